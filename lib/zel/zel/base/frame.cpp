@@ -1,0 +1,45 @@
+#include "zel/base/frame.h"
+
+#include <atomic>
+#include <cstdio>
+
+extern "C" {
+int32_t gf_ZELStatus = ZEL_STATUS_NOT_INITIALIZED;
+ZELConfig g_zelconf = {};
+PRRWLock *encodingconverter_lock = nullptr;
+PRRWLock *localconfig_lock = nullptr;
+}
+
+namespace zel {
+
+char bundles_path[path_capacity] = "";
+char encLocal[charset_capacity] = "";
+
+namespace {
+
+// The host may store into the word while threads are inside.
+int32_t status() { return std::atomic_ref<int32_t>(gf_ZELStatus).load(std::memory_order_relaxed); }
+
+} // namespace
+
+held_lock hold(PRRWLock *lock) {
+    PR_RWLock_Wlock(lock);
+    return held_lock(lock);
+}
+
+void fail_assertion(const char *expression, const char *source) {
+    std::fprintf(stderr, "%s: assertion failed: %s\n", source, expression);
+    std::fflush(stderr);
+    std::abort();
+}
+
+void require_started() {
+    if (status() == ZEL_STATUS_NOT_INITIALIZED)
+        fail_assertion("gf_ZELStatus != ZEL_STATUS_NOT_INITIALIZED", "zel");
+}
+
+bool passes_through() { return status() == ZEL_STATUS_PASSTHROUGH; }
+
+bool passes_8bit() { return g_zelconf.pass_8bit != 0; }
+
+} // namespace zel
