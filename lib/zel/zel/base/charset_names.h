@@ -1,5 +1,5 @@
-// The charset names of the library. One spelling serves every comparison and every label that goes into a message.
-// Names are compared without regard to case, and aliases are not resolved.
+// The charset names of the library. One spelling serves every comparison and every label that goes into a
+// message. Names are compared without regard to case, and aliases are not resolved.
 
 #pragma once
 
@@ -35,6 +35,8 @@ inline constexpr const char *ianaHZ = "hz-gb-2312";
 inline constexpr const char *ianaBIG5 = "big5";
 inline constexpr const char *ianaWINDOWS1252 = "windows-1252";
 
-inline bool same_charset(const char *first, const char *second) { return strcasecmp(first, second) == 0; }
+inline bool same_charset(const char *first, const char *second) {
+    return strcasecmp(first, second) == 0;
+}
 
 } // namespace zel

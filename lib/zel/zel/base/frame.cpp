@@ -18,7 +18,9 @@ char encLocal[charset_capacity] = "";
 namespace {
 
 // The host may store into the word while threads are inside.
-int32_t status() { return std::atomic_ref<int32_t>(gf_ZELStatus).load(std::memory_order_relaxed); }
+int32_t status() {
+    return std::atomic_ref<int32_t>(gf_ZELStatus).load(std::memory_order_relaxed);
+}
 
 } // namespace
 
@@ -38,8 +40,12 @@ void require_started() {
         fail_assertion("gf_ZELStatus != ZEL_STATUS_NOT_INITIALIZED", "zel");
 }
 
-bool passes_through() { return status() == ZEL_STATUS_PASSTHROUGH; }
+bool passes_through() {
+    return status() == ZEL_STATUS_PASSTHROUGH;
+}
 
-bool passes_8bit() { return g_zelconf.pass_8bit != 0; }
+bool passes_8bit() {
+    return g_zelconf.pass_8bit != 0;
+}
 
 } // namespace zel

@@ -1,8 +1,8 @@
-// The state that start-up settles and every other module reads: the status word, the start-up record, the local
-// charset, the bundle root and the two locks. The module on top (init) fills it.
+// The state that start-up settles and every other module reads: the status word, the start-up record, the
+// local charset, the bundle root and the two locks. The module on top (init) fills it.
 //
-// Invariant: written while no other thread is inside the library, so it is read without a lock. The host alone may
-// store into the status word later.
+// Invariant: written while no other thread is inside the library, so it is read without a lock. The host
+// alone may store into the status word later.
 
 #pragma once
 
@@ -30,6 +30,8 @@ void require_started();
 bool passes_through();
 bool passes_8bit();
 
-inline const char *or_local_charset(const char *charset) { return charset ? charset : encLocal; }
+inline const char *or_local_charset(const char *charset) {
+    return charset ? charset : encLocal;
+}
 
 } // namespace zel

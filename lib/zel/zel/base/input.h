@@ -1,5 +1,5 @@
-// A cursor over the caller's bytes. Behind the last byte it gives 0 and does not move, so that a pair that the end of
-// the text cuts off takes a 0 for its second byte instead of whatever lies in memory there.
+// A cursor over the caller's bytes. Behind the last byte it gives 0 and does not move, so that a pair that
+// the end of the text cuts off takes a 0 for its second byte instead of whatever lies in memory there.
 //
 // Invariant: at <= end, and nothing at or behind end is read.
 
@@ -23,14 +23,20 @@ inline input input_from(const char *buf, std::int32_t len) {
     return {start, start + bytes};
 }
 
-inline std::size_t left(const input &from) { return static_cast<std::size_t>(from.end - from.at); }
+inline std::size_t left(const input &from) {
+    return static_cast<std::size_t>(from.end - from.at);
+}
 
-inline bool ended(const input &from) { return from.at == from.end; }
+inline bool ended(const input &from) {
+    return from.at == from.end;
+}
 
 inline unsigned char peek(const input &from, std::size_t ahead = 0) {
     return ahead < left(from) ? from.at[ahead] : 0;
 }
 
-inline unsigned char take(input &from) { return ended(from) ? 0 : *from.at++; }
+inline unsigned char take(input &from) {
+    return ended(from) ? 0 : *from.at++;
+}
 
 } // namespace zel

@@ -1,5 +1,5 @@
-// A cursor over the caller's buffer. All bytes that the library itself puts into such a buffer pass here, a unit at
-// a time: a unit is written whole or not at all.
+// A cursor over the caller's buffer. All bytes that the library itself puts into such a buffer pass here, a
+// unit at a time: a unit is written whole or not at all.
 //
 // Invariant: as long as the buffer has a byte at all, one is left behind the text for the terminator.
 
@@ -24,13 +24,17 @@ inline output output_to(char *buf, std::int32_t size) {
 }
 
 // Takes everything and keeps the length alone, so that the code that writes a text also tells its real need.
-inline output counting_output() { return {nullptr, 0, SIZE_MAX}; }
+inline output counting_output() {
+    return {nullptr, 0, SIZE_MAX};
+}
 
 inline std::int32_t saturate(std::uint64_t size) {
     return static_cast<std::int32_t>(std::min<std::uint64_t>(size, INT32_MAX));
 }
 
-inline bool fits(const output &to, std::size_t bytes) { return bytes < to.size - to.length; }
+inline bool fits(const output &to, std::size_t bytes) {
+    return bytes < to.size - to.length;
+}
 
 inline bool put(output &to, std::string_view unit) {
     if (!fits(to, unit.size()))

@@ -1,6 +1,6 @@
-// Ownership is written at the type: what must be released is held by a unique_ptr whose deleter is the C function
-// that releases it, so every path does. The aliases for ICU's objects, converter records and held locks stand
-// beside the modules that know those functions.
+// Ownership is written at the type: what must be released is held by a unique_ptr whose deleter is the C
+// function that releases it, so every path does. The aliases for ICU's objects, converter records and held
+// locks stand beside the modules that know those functions.
 //
 // Invariant: nothing else in the library calls free.
 

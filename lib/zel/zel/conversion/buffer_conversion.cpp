@@ -1,0 +1,200 @@
+#include "zel/conversion/buffer_conversion.h"
+
+#include "conv_zh_cn.h"
+#include "zel.h"
+#include "zel/base/charset_names.h"
+#include "zel/base/frame.h"
+#include "zel/base/output.h"
+#include "zel/conversion/converter_cache.h"
+
+namespace zel {
+namespace {
+
+std::string_view resolve(const char *buf, std::int32_t len) {
+    return {buf,
+            len < 0 ? static_cast<std::size_t>(saturate(std::strlen(buf))) : static_cast<std::size_t>(len)};
+}
+
+// Pairs that a converter of our own serves, as body and header decoding call it; a byte of theirs has a known
+// worst case.
+struct fixed_size {
+    const char *from_charset;
+    const char *to_charset;
+    std::uint64_t factor;
+};
+
+constexpr fixed_size fixed_sizes[] = {
+    {ianaISO2022JP, ianaEUCJP, 2}, {ianaISO2022JP, ianaSHIFTJIS, 1}, {ianaSHIFTJIS, ianaISO2022JP, 2},
+    {ianaEUCJP, ianaISO2022JP, 2}, {ianaISO2022KR, ianaEUCKR, 2},
+};
+
+// Pairs whose conversion stays out of ICU. The character map folds between traditional and simplified forms,
+// which no code page does.
+struct direct_route {
+    const char *from_charset;
+    const char *to_charset;
+    void (*convert)(input, output &);
+};
+
+constexpr direct_route direct_routes[] = {
+    {ianaGB2312, ianaBIG5, convert_gb_to_big5},
+    {ianaBIG5, ianaGB2312, convert_big5_to_gb},
+};
+
+template <class Row, std::size_t N>
+const Row *find_pair(const Row (&rows)[N], const char *from_charset, const char *to_charset) {
+    for (const Row &row : rows)
+        if (same_charset(row.from_charset, from_charset) && same_charset(row.to_charset, to_charset))
+            return &row;
+    return nullptr;
+}
+
+std::int32_t copy(std::string_view text, char *to_buf, std::int32_t to_size) {
+    output to = output_to(to_buf, to_size);
+    put_some(to, text);
+    return finish(to);
+}
+
+std::uint64_t units_of(const EncodingConverter &converter, std::size_t bytes) {
+    return bytes / static_cast<std::size_t>(converter.min_char_size);
+}
+
+std::int32_t estimate_size(const EncodingConverter *converter, std::size_t bytes) {
+    if (!converter)
+        return saturate(bytes + 1);
+    const std::uint64_t units = std::max<std::uint64_t>(units_of(*converter, bytes), 1);
+    const std::uint64_t estimate = units * static_cast<std::uint64_t>(converter->max_char_size);
+    return saturate((estimate ? estimate : bytes) + 1);
+}
+
+struct utf16_text {
+    heap<UChar> units; // null where the text could not be taken in
+    std::int32_t length;
+};
+
+utf16_text to_utf16(const EncodingConverter &converter, std::string_view text) {
+    const std::uint64_t whole = units_of(converter, text.size());
+    const std::uint64_t capacity = whole ? whole + 1 : 1;
+    if (capacity > INT32_MAX)
+        return {};
+    utf16_text taken = {heap<UChar>(static_cast<UChar *>(std::malloc(capacity * sizeof(UChar)))), 0};
+    if (!taken.units)
+        return {};
+    UErrorCode status = U_ZERO_ERROR;
+    taken.length =
+        ucnv_toUChars(converter.from_cnv.get(), taken.units.get(), static_cast<std::int32_t>(capacity),
+                      text.data(), static_cast<std::int32_t>(text.size()), &status);
+    if (U_FAILURE(status))
+        return {};
+    return taken;
+}
+
+std::int32_t from_utf16(const EncodingConverter &converter, const utf16_text &text, char *to_buf,
+                        std::int32_t to_size, UErrorCode &status) {
+    return ucnv_fromUChars(converter.to_cnv.get(), to_buf, to_size, text.units.get(), text.length, &status);
+}
+
+std::int32_t convert_by_icu(const EncodingConverter &converter, std::string_view text, char *to_buf,
+                            std::int32_t to_size) {
+    const utf16_text wide = to_utf16(converter, text);
+    if (!wide.units)
+        return copy(text, to_buf, to_size);
+    UErrorCode status = U_ZERO_ERROR;
+    const std::int32_t length = from_utf16(converter, wide, to_buf, to_size, status);
+    return U_FAILURE(status) ? copy(text, to_buf, to_size) : length;
+}
+
+bool needs_no_conversion(const char *from_charset, const char *to_charset) {
+    return passes_through() || same_charset(from_charset, to_charset);
+}
+
+} // namespace
+
+std::optional<std::int32_t> convert_buffer(const char *from_charset, const char *to_charset,
+                                           const char *from_buf, std::int32_t from_len, char *to_buf,
+                                           std::int32_t to_size) {
+    require_started();
+    const std::string_view text = resolve(from_buf, from_len);
+    if (from_len == 0 || needs_no_conversion(from_charset, to_charset))
+        return copy(text, to_buf, to_size);
+    if (const direct_route *route = find_pair(direct_routes, from_charset, to_charset)) {
+        output to = output_to(to_buf, to_size);
+        route->convert(input_from(text.data(), saturate(text.size())), to);
+        return finish(to);
+    }
+    const lent_converter converter = borrow_converter(from_charset, to_charset);
+    if (!converter)
+        return std::nullopt;
+    return convert_by_icu(*converter, text, to_buf, to_size);
+}
+
+std::int32_t convert_or_copy(const char *from_charset, const char *to_charset, const char *from_buf,
+                             std::int32_t from_len, char *to_buf, std::int32_t to_size) {
+    if (const auto length = convert_buffer(from_charset, to_charset, from_buf, from_len, to_buf, to_size))
+        return *length;
+    return copy(resolve(from_buf, from_len), to_buf, to_size);
+}
+
+converted_text convert_text(const char *from_charset, const char *to_charset, std::string_view text) {
+    const std::int32_t length = saturate(text.size());
+    // The stated size falls short where escape sequences surround short runs, by a factor below 4.
+    const std::int64_t estimate = ZEL_GetResultBufferSize(text.data(), length, from_charset, to_charset);
+    const std::int32_t size =
+        saturate(static_cast<std::uint64_t>(std::max<std::int64_t>(4 * estimate, length + 1LL)));
+    converted_text converted = {allocate<char>(static_cast<std::uint64_t>(size) + 1), 0};
+    if (converted.bytes) {
+        converted.length =
+            convert_or_copy(from_charset, to_charset, text.data(), length, converted.bytes.get(), size);
+        converted.bytes.get()[converted.length] = '\0';
+    }
+    return converted;
+}
+
+} // namespace zel
+
+using namespace zel;
+
+int32_t ZEL_GetResultBufferSize(const char *from_buf, int32_t from_len, const char *from_charset,
+                                const char *to_charset) {
+    require_started();
+    if (!from_buf)
+        fail_assertion("from_buf!=NULL", "zel");
+    if (from_len == 0)
+        return 1;
+    const std::size_t bytes = resolve(from_buf, from_len).size();
+    if (needs_no_conversion(from_charset, to_charset))
+        return saturate(bytes + 1);
+    if (const fixed_size *row = find_pair(fixed_sizes, from_charset, to_charset))
+        return saturate(bytes * row->factor + 1);
+    return estimate_size(borrow_converter(from_charset, to_charset).get(), bytes);
+}
+
+int32_t ZEL_ConvertBuffer(const char *from_charset, const char *to_charset, const char *from_buf,
+                          int32_t from_len, char *to_buf, int32_t to_size) {
+    return convert_buffer(from_charset, to_charset, from_buf, from_len, to_buf, to_size).value_or(0);
+}
+
+namespace {
+
+char *convert_element(const char *from_charset, const char *to_charset, const char *text) {
+    const std::int32_t length = saturate(std::strlen(text));
+    const std::int32_t size =
+        saturate(std::uint64_t{1} +
+                 static_cast<std::uint32_t>(ZEL_GetResultBufferSize(text, length, from_charset, to_charset)));
+    // ICU may fill all of size, and a string is terminated even then.
+    heap_string converted(static_cast<char *>(std::malloc(static_cast<std::size_t>(size) + 1)));
+    if (converted)
+        converted.get()[convert_or_copy(from_charset, to_charset, text, length, converted.get(), size)] =
+            '\0';
+    return converted.release();
+}
+
+} // namespace
+
+void ZEL_ConvertBufferArray(const char *from_charset, const char *to_charset, const char *const *from_bufs,
+                            int32_t count, char **to_bufs) {
+    if (!from_bufs || !to_bufs)
+        return;
+    for (int32_t i = 0; i < count; ++i)
+        to_bufs[i] = from_bufs[i] ? convert_element(from_charset, to_charset, from_bufs[i]) : nullptr;
+}

@@ -1,0 +1,42 @@
+// The cache of ICU converter pairs. A caller borrows a record, drives ICU with the two converters in it, and
+// gives it back by letting the lent_converter go; in between the record is its own, and no lock is held.
+//
+// Invariant: records are complete before they are linked, are never unlinked while the library runs, and each
+// link changes once, from null to its final value (release store). So the lists are walked without a lock
+// (acquire loads). in_use becomes 1 under encodingconverter_lock alone and 0 by its holder's release store.
+
+#pragma once
+
+#include "zel/base/owned.h"
+
+#include <unicode/ucnv.h>
+
+#include <atomic>
+
+namespace zel {
+
+using icu_converter = owned<UConverter, &ucnv_close>;
+
+struct EncodingConverter {
+    icu_converter from_cnv;
+    icu_converter to_cnv;
+    std::atomic<EncodingConverter *> next_pair;     // next distinct pair; of a pair's first record alone
+    std::atomic<EncodingConverter *> next_instance; // next record of the same pair
+    std::atomic<std::int32_t> in_use;
+    heap_string from_name;
+    heap_string to_name;
+    std::int32_t min_char_size; // bytes a character of the source at least
+    std::int32_t max_char_size; // bytes a UTF-16 unit at most in the target
+};
+
+EncodingConverter *load_encodingconverter(const char *from_charset, const char *to_charset);
+void unload_encodingconverter(EncodingConverter *converter);
+
+// A record that goes back to the cache at the end of the scope; null where ICU has no converter for the pair.
+using lent_converter = owned<EncodingConverter, &unload_encodingconverter>;
+
+inline lent_converter borrow_converter(const char *from_charset, const char *to_charset) {
+    return lent_converter(load_encodingconverter(from_charset, to_charset));
+}
+
+} // namespace zel
