@@ -1,0 +1,25 @@
+# How everything is compiled. The sanitizers go to all targets: a process that mixes both kinds of code misses faults.
+
+if(PROJECT_IS_TOP_LEVEL AND NOT CMAKE_BUILD_TYPE)
+    set(CMAKE_BUILD_TYPE RelWithDebInfo)
+endif()
+
+set(CMAKE_C_STANDARD 99)
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_VISIBILITY_PRESET hidden)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+set(ZEL_WARNINGS -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+if(PROJECT_IS_TOP_LEVEL)
+    list(APPEND ZEL_WARNINGS -Werror)
+endif()
+
+if(ZEL_SANITIZE)
+    add_compile_options(-fsanitize=${ZEL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=${ZEL_SANITIZE})
+endif()

@@ -1,0 +1,26 @@
+# What a host gets: the libraries, their headers, zel.pc, a CMake package, and the default bundle. Everything is found
+# from the place of the installed files themselves, so an installed tree can be moved.
+
+include(CMakePackageConfigHelpers)
+
+set(ZEL_BUNDLES_DIR ${CMAKE_INSTALL_DATADIR}/zel)
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zel)
+
+install(TARGETS zel qorm EXPORT zelTargets
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(FILES lib/zel/zel.h lib/qorm/qorm.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+if(TARGET default_bundle)
+    install(DIRECTORY ${ZEL_BUILT_BUNDLES}/encbylang DESTINATION ${ZEL_BUNDLES_DIR})
+endif()
+
+configure_package_config_file(cmake/zelConfig.cmake.in zelConfig.cmake
+                              INSTALL_DESTINATION ${package_dir} PATH_VARS ZEL_BUNDLES_DIR)
+write_basic_package_version_file(zelConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(EXPORT zelTargets NAMESPACE zel:: DESTINATION ${package_dir})
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/zelConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/zelConfigVersion.cmake
+        DESTINATION ${package_dir})
+
+file(RELATIVE_PATH pc_to_prefix /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
+configure_file(cmake/zel.pc.in zel.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/zel.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,0 +1,39 @@
+# The two libraries. libzel's object files are a target of their own, so that the tests of its internals link the very
+# code that is in libzel.so.
+
+find_package(PkgConfig REQUIRED)
+find_package(Threads REQUIRED)
+pkg_check_modules(ICU REQUIRED IMPORTED_TARGET icu-i18n icu-uc)
+pkg_check_modules(NSPR REQUIRED IMPORTED_TARGET nspr)
+
+add_library(qorm SHARED lib/qorm/qorm.cpp)
+add_library(zel::qorm ALIAS qorm)
+target_compile_options(qorm PRIVATE ${ZEL_WARNINGS} -fno-exceptions)
+set_target_properties(qorm PROPERTIES CXX_VISIBILITY_PRESET default)
+target_include_directories(qorm PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/lib/qorm>
+                                       $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+
+file(GLOB_RECURSE zel_sources CONFIGURE_DEPENDS lib/zel/*.cpp)
+add_library(zel_objects OBJECT ${zel_sources})
+target_include_directories(zel_objects PUBLIC lib/zel)
+target_link_libraries(zel_objects PUBLIC qorm PkgConfig::ICU PkgConfig::NSPR)
+target_compile_options(zel_objects PRIVATE ${ZEL_WARNINGS} -fno-exceptions)
+
+add_library(zel SHARED $<TARGET_OBJECTS:zel_objects>)
+add_library(zel::zel ALIAS zel)
+target_include_directories(zel PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/lib/zel>
+                                      $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+target_link_libraries(zel PRIVATE qorm PkgConfig::ICU PkgConfig::NSPR)
+
+# No -Bsymbolic: what a host stores into the exported status word has to reach the library.
+set(zel_map ${PROJECT_SOURCE_DIR}/lib/zel/libzel.map)
+target_link_options(zel PRIVATE -Wl,--version-script=${zel_map} -Wl,--as-needed -Wl,-z,relro,-z,now)
+if(NOT ZEL_SANITIZE)
+    target_link_options(zel PRIVATE -Wl,-z,defs)
+endif()
+set_target_properties(zel PROPERTIES
+    LINKER_LANGUAGE CXX
+    VERSION ${PROJECT_VERSION}
+    SOVERSION ${ZEL_ABI}
+    LINK_DEPENDS ${zel_map}
+    INSTALL_RPATH $ORIGIN)

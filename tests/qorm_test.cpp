@@ -1,0 +1,41 @@
+// The host's support library, which libzel is loaded with.
+
+#include "qorm.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <clocale>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <thread>
+
+namespace {
+
+TEST(Qorm, MemoryIsWritableAndReleasedWithFreeEvenWhenItIsNothing) {
+    for (const std::uint32_t size : {0U, 1U, 4096U}) {
+        const std::unique_ptr<void, decltype(&std::free)> memory(xmalloc(size), std::free);
+        ASSERT_NE(memory, nullptr);
+        std::memset(memory.get(), 0xFF, size);
+    }
+}
+
+TEST(Qorm, EveryErrorCodeHasAPlainText) {
+    EXPECT_STREQ(service_errstr(ENOENT), "No such file or directory");
+    for (const std::int32_t code : {INT32_MIN, -1, 0, 1, 133, 134, 100000, INT32_MAX}) {
+        const std::string text = service_errstr(code);
+        EXPECT_FALSE(text.empty()) << code;
+        for (const char byte : text)
+            EXPECT_TRUE(byte >= ' ' && byte <= '~') << code << ": " << text;
+    }
+}
+
+TEST(Qorm, AnErrorTextOutlivesTheCallsOfOtherThreads) {
+    const char *mine = service_errstr(100001);
+    std::thread([] { EXPECT_STRNE(service_errstr(100002), "Unknown error 100001"); }).join();
+    EXPECT_STREQ(mine, "Unknown error 100001");
+}
+
+} // namespace
