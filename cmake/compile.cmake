@@ -19,6 +19,7 @@ if(PROJECT_IS_TOP_LEVEL)
     list(APPEND ZEL_WARNINGS -Werror)
 endif()
 
+add_compile_options(${ZEL_FLAGS})
 if(ZEL_SANITIZE)
     add_compile_options(-fsanitize=${ZEL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     add_link_options(-fsanitize=${ZEL_SANITIZE})
