@@ -8,21 +8,23 @@
 #include "zel.h"
 #include "zel/base/charset_names.h"
 #include "zel/base/frame.h"
+#include "zel/base/output.h"
 #include "zel/policy/bundle_message.h"
 
 #include <prio.h>
 #include <prrwlock.h>
 #include <prsystem.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string_view>
+#include <strings.h>
 #include <sys/utsname.h>
 
 namespace zel {
 namespace {
 
-constexpr int lang_capacity = 128;
+constexpr std::size_t max_lang = 128;
 constexpr std::size_t key_capacity = 200;
 constexpr int32_t max_i18n_dirs = 100;
 
@@ -41,8 +43,8 @@ bool has_text(const char *text) {
 }
 
 // A root that is cut here leaves no room for the name of a bundle behind it, so that none is opened.
-void set_root(char (&to)[path_capacity], const char *root) {
-    std::snprintf(to, sizeof to, "%s", root);
+void set_root(char (&to)[path_capacity], std::string_view root) {
+    join(to, {root.substr(0, path_capacity - 1)});
 }
 
 void choose_root(const char *svrroot, const ZELConfig *config) {
@@ -61,18 +63,19 @@ PRRWLock *create_lock() {
     return lock;
 }
 
+// The bundle may know LANG on this operating system, LANG on any, or its language.
 heap_string configured_local_charset(const char *root) {
+    const char *value = std::getenv("LANG");
+    const std::string_view lang = std::string_view(value ? value : "C").substr(0, max_lang);
     utsname os = {};
     uname(&os);
-    const char *value = std::getenv("LANG");
-    char lang[lang_capacity + 1];
-    std::snprintf(lang, sizeof lang, "%s", value ? value : "C");
-    char lang_on_os[key_capacity];
-    std::snprintf(lang_on_os, sizeof lang_on_os, "%s|%s", os.sysname, lang);
-    const char language[] = {lang[0], lang[0] ? lang[1] : '\0', '\0'};
+    char lang_on_os[key_capacity], any_os[max_lang + 1], language[3];
+    join(lang_on_os, {os.sysname, "|", lang});
+    join(any_os, {lang});
+    join(language, {lang.substr(0, 2)});
 
     const owned_bundle bundle = open_encbylang(root);
-    for (const char *key : {static_cast<const char *>(lang_on_os), static_cast<const char *>(lang), language})
+    for (const char *key : {&lang_on_os[0], &any_os[0], &language[0]})
         if (heap_string charset = utf8_message(bundle.get(), key))
             return charset;
     return nullptr;
@@ -85,8 +88,7 @@ bool is_directory(const char *path) {
 // What has no memory or no room for its name is left out.
 void add_directory(const char *parent, const char *name) {
     char path[path_capacity];
-    const int length = std::snprintf(path, sizeof path, "%s%s", parent, name);
-    if (length < 0 || static_cast<std::size_t>(length) >= sizeof path || !is_directory(path))
+    if (!join(path, {parent, name}) || !is_directory(path))
         return;
     if (char *own_name = strdup(name))
         zel_all_i18n_dirs[zel_all_i18n_dir_count++].name = own_name;
@@ -100,19 +102,18 @@ using namespace zel;
 void _setupLocalCharEncoding(const char *root) {
     set_root(bundles_path, root);
     const heap_string charset = configured_local_charset(root);
-    const bool fits = charset && std::strlen(charset.get()) < charset_capacity;
-    std::snprintf(encLocal, sizeof encLocal, "%s", fits ? charset.get() : ianaISO8859_1);
+    if (!charset || !join(encLocal, {charset.get()}))
+        join(encLocal, {ianaISO8859_1});
 }
 
 void init_Dirs(const char *svrroot) {
     zel_all_i18n_dir_count = 0;
     if (!svrroot)
         return;
-    const char separator = PR_GetDirectorySeparator();
+    const char separator_byte = PR_GetDirectorySeparator();
+    const std::string_view separator(&separator_byte, 1);
     char path[path_capacity];
-    const int length = std::snprintf(path, sizeof path, "%s%c..%clib%chtml%c", svrroot, separator, separator,
-                                     separator, separator);
-    if (length < 0 || static_cast<std::size_t>(length) >= sizeof path)
+    if (!join(path, {svrroot, separator, "..", separator, "lib", separator, "html", separator}))
         return;
     const open_directory html(PR_OpenDir(path));
     if (!html)

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <initializer_list>
 #include <string_view>
 
 namespace zel {
@@ -65,6 +66,16 @@ inline std::int32_t finish(output &to) {
     if (to.start && to.length < to.size)
         to.start[to.length] = '\0';
     return saturate(to.length);
+}
+
+// Fills a buffer of the library's own with all of the parts, or says that they do not fit.
+template <std::size_t Size>
+bool join(char (&buf)[Size], std::initializer_list<std::string_view> parts) {
+    output to = output_to(buf, Size);
+    const bool whole =
+        std::all_of(parts.begin(), parts.end(), [&](std::string_view part) { return put(to, part); });
+    finish(to);
+    return whole;
 }
 
 } // namespace zel

@@ -8,14 +8,11 @@
 
 #include <unicode/ustring.h>
 
-#include <cstdio>
-
 namespace zel {
 
 owned_bundle open_encbylang(const char *root) {
     char path[path_capacity];
-    const int length = std::snprintf(path, sizeof path, "%s/encbylang", root);
-    if (length < 0 || static_cast<std::size_t>(length) >= sizeof path)
+    if (!join(path, {root, "/encbylang"}))
         return nullptr;
     UErrorCode status = U_ZERO_ERROR;
     owned_bundle bundle(ures_open(path, "en", &status));

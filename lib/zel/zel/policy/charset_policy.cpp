@@ -3,11 +3,11 @@
 #include "zel.h"
 #include "zel/base/charset_names.h"
 #include "zel/base/frame.h"
+#include "zel/base/output.h"
 #include "zel/base/string_validity.h"
 #include "zel/policy/languages.h"
 #include "zel/policy/local_config.h"
 
-#include <cstdio>
 #include <cstring>
 
 namespace zel {
@@ -35,7 +35,7 @@ const char *charset_by(const charset_rule &rule, const char *language) {
     if (length == 0 || length > max_language)
         return policy_of(no_language).*rule.built_in;
     char key[key_capacity];
-    std::snprintf(key, sizeof key, "%s%s", rule.prefix, language);
+    join(key, {rule.prefix, {language, length}});
     const char *configured = load_localconfig(key);
     return configured ? configured : remember(key, policy_of(checkLanguage(language)).*rule.built_in);
 }
