@@ -14,7 +14,7 @@
 
 namespace {
 
-TEST(Qorm, MemoryIsWritableAndReleasedWithFreeEvenWhenItIsNothing) {
+TEST(Qorm, memory_is_writable_and_released_with_free_even_when_it_is_nothing) {
     for (const std::uint32_t size : {0U, 1U, 4096U}) {
         const std::unique_ptr<void, decltype(&std::free)> memory(xmalloc(size), std::free);
         ASSERT_NE(memory, nullptr);
@@ -22,7 +22,7 @@ TEST(Qorm, MemoryIsWritableAndReleasedWithFreeEvenWhenItIsNothing) {
     }
 }
 
-TEST(Qorm, EveryErrorCodeHasAPlainText) {
+TEST(Qorm, every_error_code_has_a_plain_text) {
     EXPECT_STREQ(service_errstr(ENOENT), "No such file or directory");
     for (const std::int32_t code : {INT32_MIN, -1, 0, 1, 133, 134, 100000, INT32_MAX}) {
         const std::string text = service_errstr(code);
@@ -32,7 +32,7 @@ TEST(Qorm, EveryErrorCodeHasAPlainText) {
     }
 }
 
-TEST(Qorm, AnErrorTextOutlivesTheCallsOfOtherThreads) {
+TEST(Qorm, an_error_text_outlives_the_calls_of_other_threads) {
     const char *mine = service_errstr(100001);
     std::thread([] { EXPECT_STRNE(service_errstr(100002), "Unknown error 100001"); }).join();
     EXPECT_STREQ(mine, "Unknown error 100001");
