@@ -40,7 +40,7 @@ static int text_comes_back(const char *path) {
 
     printf("%-6s%-14s%4d bytes, %4d in UTF-8, and back: %s\n      ", language, charset, len, utf8_len,
            same ? "the same" : "DIFFERENT");
-    print_wire(text, strcspn(text, "\n"));
+    print_first_bytes(text);
     printf("\n      %.*s\n", (int)strcspn(utf8, "\n"), utf8);
     free(charset);
     free(language);

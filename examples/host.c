@@ -54,6 +54,11 @@ void print_wire(const char *text, size_t len) {
     }
 }
 
+void print_first_bytes(const char *text) {
+    size_t len = strcspn(text, "\n");
+    print_wire(text, len < 24 ? len : 24);
+}
+
 char *language_of(const char *path) {
     const char *slash = strrchr(path, '/');
     const char *name = slash ? slash + 1 : path;
@@ -100,9 +105,27 @@ char *header_to_wire(const char *language, const char *text) {
     char *value = copy_of(text, strlen(text)); /* encoding marks the end of a run in its input for a time */
     int32_t size = ZEL_UTF8ToInternetMessageHeader(language, value, NULL, -1);
     char *wire = new_buffer(size);
-    ZEL_UTF8ToInternetMessageHeader(language, value, wire, size);
+    int32_t len = ZEL_UTF8ToInternetMessageHeader(language, value, wire, size);
+    if (len > 2 && wire[len - 1] == '\n') /* a word that just fills its line ends the line as well */
+        wire[len - 2] = '\0';
     free(value);
     return wire;
+}
+
+int refused_charset(const char *language, const char *wire, char charset[33]) {
+    const char *word = wire, *end;
+    while ((word = strstr(word, "=?"))) {
+        word += strlen("=?");
+        snprintf(charset, 33, "%.*s", (int)strcspn(word, "*?"), word);
+        if (!ZEL_IsInternetMessageKnownCharset(language, charset))
+            return 1;
+        word += strcspn(word, "?");
+        end = strlen(word) < strlen("?Q?") ? NULL : strstr(word + strlen("?Q?"), "?=");
+        if (!end)
+            break;
+        word = end + strlen("?=");
+    }
+    return 0;
 }
 
 char *parameter_to_utf8(const char *language, const char *value) {

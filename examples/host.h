@@ -23,6 +23,9 @@ char *read_file(const char *path, int32_t *len);
  * ends. */
 void print_wire(const char *text, size_t len);
 
+/* The beginning of the first line in that form. */
+void print_first_bytes(const char *text);
+
 /* The samples carry their language in their name: "messages/zh-TW.big5.eml" is "zh-TW". */
 char *language_of(const char *path);
 
@@ -37,6 +40,11 @@ char *next_header(char **message, char **value);
 /* A header's value off the wire and onto it, and the value of a file name as RFC 2231 has it. */
 char *header_to_utf8(const char *language, const char *wire);
 char *header_to_wire(const char *language, const char *text);
+
+/* The library leaves a header word undecoded if its charset is not one that the language admits. Finds the
+ * charset of the first such word; 0 if there is none. */
+int refused_charset(const char *language, const char *wire, char charset[33]);
+
 char *parameter_to_utf8(const char *language, const char *value);
 char *parameter_to_wire(const char *language, const char *name, const char *text);
 
