@@ -6,9 +6,15 @@ find_package(Threads REQUIRED)
 pkg_check_modules(ICU REQUIRED IMPORTED_TARGET icu-i18n icu-uc)
 pkg_check_modules(NSPR REQUIRED IMPORTED_TARGET nspr)
 
+set(link_options -Wl,--as-needed -Wl,-z,relro,-z,now)
+if(NOT ZEL_SANITIZE) # the sanitizers' runtime comes with the host
+    list(APPEND link_options -Wl,-z,defs)
+endif()
+
 add_library(qorm SHARED lib/qorm/qorm.cpp)
 add_library(zel::qorm ALIAS qorm)
 target_compile_options(qorm PRIVATE ${ZEL_WARNINGS} -fno-exceptions)
+target_link_options(qorm PRIVATE ${link_options})
 set_target_properties(qorm PROPERTIES CXX_VISIBILITY_PRESET default)
 target_include_directories(qorm PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/lib/qorm>
                                        $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
@@ -27,10 +33,7 @@ target_link_libraries(zel PRIVATE qorm PkgConfig::ICU PkgConfig::NSPR)
 
 # No -Bsymbolic: what a host stores into the exported status word has to reach the library.
 set(zel_map ${PROJECT_SOURCE_DIR}/lib/zel/libzel.map)
-target_link_options(zel PRIVATE -Wl,--version-script=${zel_map} -Wl,--as-needed -Wl,-z,relro,-z,now)
-if(NOT ZEL_SANITIZE)
-    target_link_options(zel PRIVATE -Wl,-z,defs)
-endif()
+target_link_options(zel PRIVATE -Wl,--version-script=${zel_map} ${link_options})
 set_target_properties(zel PROPERTIES
     LINKER_LANGUAGE CXX
     VERSION ${PROJECT_VERSION}
