@@ -35,8 +35,12 @@ void fail_assertion(const char *expression, const char *source) {
     std::abort();
 }
 
+bool has_started() {
+    return status() != ZEL_STATUS_NOT_INITIALIZED;
+}
+
 void require_started() {
-    if (status() == ZEL_STATUS_NOT_INITIALIZED)
+    if (!has_started())
         fail_assertion("gf_ZELStatus != ZEL_STATUS_NOT_INITIALIZED", "zel");
 }
 

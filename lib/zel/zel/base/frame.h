@@ -26,6 +26,7 @@ held_lock hold(PRRWLock *lock);
 // Contract violations stop the process in every build type.
 [[noreturn]] void fail_assertion(const char *expression, const char *source);
 
+bool has_started();
 void require_started();
 bool passes_through();
 bool passes_8bit();

@@ -4,7 +4,7 @@
 #include "zel.h"
 #include "zel/base/charset_names.h"
 #include "zel/base/frame.h"
-#include "zel/base/output.h"
+#include "zel/base/input.h"
 #include "zel/conversion/converter_cache.h"
 
 namespace zel {
@@ -104,6 +104,49 @@ std::int32_t convert_by_icu(const EncodingConverter &converter, std::string_view
     return U_FAILURE(status) ? copy(text, to_buf, to_size) : length;
 }
 
+std::size_t room_left(const output &to) {
+    return to.size > to.length ? to.size - to.length - 1 : 0;
+}
+
+// An output that only counts takes the length that ICU would have needed.
+bool put_utf16(output &to, const EncodingConverter &converter, const utf16_text &wide,
+               std::string_view text) {
+    UErrorCode status = U_ZERO_ERROR;
+    const std::int32_t length = from_utf16(converter, wide, to.start ? to.start + to.length : nullptr,
+                                           to.start ? saturate(room_left(to)) : 0, status);
+    if (U_FAILURE(status) && status != U_BUFFER_OVERFLOW_ERROR)
+        return put(to, text);
+    if (!fits(to, static_cast<std::size_t>(length)))
+        return false;
+    to.length += static_cast<std::size_t>(length);
+    return true;
+}
+
+std::int32_t length_of(const EncodingConverter &converter, const utf16_text &wide, std::int32_t units) {
+    UErrorCode status = U_ZERO_ERROR;
+    return ucnv_fromUChars(converter.to_cnv.get(), nullptr, 0, wide.units.get(), units, &status);
+}
+
+// The longest beginning of the text that fits, found by halving, as each character may take another size.
+void put_fitting_utf16(output &to, const EncodingConverter &converter, utf16_text &wide) {
+    const std::int32_t room = saturate(room_left(to));
+    std::int32_t fitting = 0;
+    for (std::int32_t beyond = wide.length; beyond - fitting > 1;) {
+        const std::int32_t middle = fitting + (beyond - fitting) / 2;
+        (length_of(converter, wide, middle) <= room ? fitting : beyond) = middle;
+    }
+    wide.length = fitting && U16_IS_LEAD(wide.units.get()[fitting - 1]) ? fitting - 1 : fitting;
+    put_utf16(to, converter, wide, {});
+}
+
+bool put_direct(output &to, const direct_route &route, std::string_view text) {
+    const std::size_t length = strnlen(text.data(), text.size()); // both charsets take the same bytes
+    if (!fits(to, length))
+        return false;
+    route.convert(input_from(text.data(), saturate(text.size())), to);
+    return true;
+}
+
 bool needs_no_conversion(const char *from_charset, const char *to_charset) {
     return passes_through() || same_charset(from_charset, to_charset);
 }
@@ -128,6 +171,33 @@ std::optional<std::int32_t> convert_buffer(const char *from_charset, const char 
     return convert_by_icu(*converter, text, to_buf, to_size);
 }
 
+bool put_converted(output &to, const char *from_charset, const char *to_charset, std::string_view text) {
+    if (text.empty() || needs_no_conversion(from_charset, to_charset))
+        return put(to, text);
+    if (const direct_route *route = find_pair(direct_routes, from_charset, to_charset))
+        return put_direct(to, *route, text);
+    const lent_converter converter = borrow_converter(from_charset, to_charset);
+    const utf16_text wide = converter ? to_utf16(*converter, text) : utf16_text{};
+    return wide.units ? put_utf16(to, *converter, wide, text) : put(to, text);
+}
+
+bool put_some_converted(output &to, const char *from_charset, const char *to_charset, std::string_view text) {
+    if (put_converted(to, from_charset, to_charset, text))
+        return true;
+    if (needs_no_conversion(from_charset, to_charset))
+        return put_some(to, text);
+    if (const direct_route *route = find_pair(direct_routes, from_charset, to_charset)) {
+        route->convert(input_from(text.data(), saturate(text.size())), to);
+        return false;
+    }
+    const lent_converter converter = borrow_converter(from_charset, to_charset);
+    utf16_text wide = converter ? to_utf16(*converter, text) : utf16_text{};
+    if (!wide.units)
+        return put_some(to, text);
+    put_fitting_utf16(to, *converter, wide);
+    return false;
+}
+
 std::int32_t convert_or_copy(const char *from_charset, const char *to_charset, const char *from_buf,
                              std::int32_t from_len, char *to_buf, std::int32_t to_size) {
     if (const auto length = convert_buffer(from_charset, to_charset, from_buf, from_len, to_buf, to_size))
@@ -136,18 +206,20 @@ std::int32_t convert_or_copy(const char *from_charset, const char *to_charset, c
 }
 
 converted_text convert_text(const char *from_charset, const char *to_charset, std::string_view text) {
-    const std::int32_t length = saturate(text.size());
-    // The stated size falls short where escape sequences surround short runs, by a factor below 4.
-    const std::int64_t estimate = ZEL_GetResultBufferSize(text.data(), length, from_charset, to_charset);
-    const std::int32_t size =
-        saturate(static_cast<std::uint64_t>(std::max<std::int64_t>(4 * estimate, length + 1LL)));
-    converted_text converted = {allocate<char>(static_cast<std::uint64_t>(size) + 1), 0};
-    if (converted.bytes) {
-        converted.length =
-            convert_or_copy(from_charset, to_charset, text.data(), length, converted.bytes.get(), size);
-        converted.bytes.get()[converted.length] = '\0';
+    const std::int32_t estimate =
+        ZEL_GetResultBufferSize(text.data(), saturate(text.size()), from_charset, to_charset);
+    for (std::uint64_t size = static_cast<std::uint64_t>(estimate) + 1;;) {
+        converted_text converted = {allocate<char>(size), 0};
+        output to = output_to(converted.bytes.get(), saturate(size));
+        if (put_converted(to, from_charset, to_charset, text) || !converted.bytes) {
+            converted.length = finish(to);
+            return converted;
+        }
+        // The estimate is no guarantee: escape sequences around short runs can need more.
+        output counted = counting_output();
+        put_converted(counted, from_charset, to_charset, text);
+        size = counted.length + 1;
     }
-    return converted;
 }
 
 } // namespace zel

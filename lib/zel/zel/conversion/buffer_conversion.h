@@ -7,10 +7,10 @@
 
 #pragma once
 
+#include "zel/base/output.h"
 #include "zel/base/owned.h"
 
 #include <optional>
-#include <string_view>
 
 namespace zel {
 
@@ -23,6 +23,12 @@ std::optional<std::int32_t> convert_buffer(const char *from_charset, const char 
 // As ZEL_ConvertBuffer, but the copy of the input stands in for a missing converter too.
 std::int32_t convert_or_copy(const char *from_charset, const char *to_charset, const char *from_buf,
                              std::int32_t from_len, char *to_buf, std::int32_t to_size);
+
+// Puts the converted text (or the copy) whole, or nothing where it does not fit.
+bool put_converted(output &to, const char *from_charset, const char *to_charset, std::string_view text);
+
+// The same, but where the whole does not fit, as many of its characters as do.
+bool put_some_converted(output &to, const char *from_charset, const char *to_charset, std::string_view text);
 
 struct converted_text {
     heap_string bytes; // terminated; null where there is no memory

@@ -1,0 +1,141 @@
+// Received bodies, their transfer encoding already undone, on the way into the host's charset. A charset step
+// and nothing else: the four exported functions differ only in what the caller supplies.
+//
+// Invariant: output goes straight into the caller's buffer, no byte of it past to_size.
+
+#include "conv_ja.h"
+#include "conv_ko.h"
+#include "conv_zh_cn.h"
+#include "zel.h"
+#include "zel/base/charset_names.h"
+#include "zel/base/frame.h"
+#include "zel/base/input.h"
+#include "zel/base/output.h"
+#include "zel/base/string_validity.h"
+#include "zel/conversion/buffer_conversion.h"
+#include "zel/conversion/converter_cache.h"
+#include "zel/policy/charset_policy.h"
+
+namespace zel {
+namespace {
+
+constexpr std::int32_t no_converter = -5;
+
+struct body {
+    const char *language;
+    const char *from_charset;
+    std::string_view bytes;
+    const char *to_charset;
+};
+
+bool goes_between(const body &from, const char *from_charset, const char *to_charset) {
+    return same_charset(from.from_charset, from_charset) && same_charset(from.to_charset, to_charset);
+}
+
+// The first two letters of the language open a route, whatever follows them.
+struct direct_route {
+    const char *language;
+    const char *from_charset;
+    const char *to_charset;
+    void (*convert)(input, output &);
+};
+
+constexpr direct_route direct_routes[] = {
+    {"ja", ianaISO2022JP, ianaEUCJP, convert_jis_to_eucjp},
+    {"ja", ianaISO2022JP, ianaSHIFTJIS, convert_jis_to_sjis},
+    {"ko", ianaISO2022KR, ianaEUCKR, convert_iso2022kr_to_euckr},
+    {"zh", ianaHZ, ianaGB2312, convert_hz_to_gb},
+};
+
+const direct_route *find_direct_route(const body &from) {
+    for (const direct_route &route : direct_routes)
+        if (from.language && std::strncmp(from.language, route.language, 2) == 0 &&
+            goes_between(from, route.from_charset, route.to_charset))
+            return &route;
+    return nullptr;
+}
+
+bool is_korean_pair(const body &from) {
+    return goes_between(from, ianaISO2022KR, ianaEUCKR);
+}
+
+// The Korean and the HZ pair need no converter of ICU, so they are not asked for one, under any language.
+bool is_convertible(const body &from) {
+    return same_charset(from.from_charset, from.to_charset) || is_korean_pair(from) ||
+           goes_between(from, ianaHZ, ianaGB2312) || borrow_converter(from.from_charset, from.to_charset);
+}
+
+std::int32_t estimate(const body &from) {
+    if (is_korean_pair(from))
+        return saturate(2 * static_cast<std::uint64_t>(from.bytes.size()));
+    return ZEL_GetResultBufferSize(from.bytes.data(), saturate(from.bytes.size()), from.from_charset,
+                                   from.to_charset);
+}
+
+std::int32_t convert_directly(const direct_route &route, std::string_view bytes, char *to_buf,
+                              std::int32_t to_size) {
+    output to = output_to(to_buf, to_size);
+    route.convert(input_from(bytes.data(), saturate(bytes.size())), to);
+    const std::int32_t length = finish(to);
+    if (to.size > 0)
+        checkstringvalidity(route.to_charset, to_buf, to.length);
+    return length;
+}
+
+// ICU may fill a buffer of the estimated size to its last byte, which leaves no room for a terminator.
+std::int32_t convert_by_buffer(const body &from, char *to_buf, std::int32_t to_size) {
+    output to = output_to(to_buf, to_size);
+    if (put_converted(to, from.from_charset, from.to_charset, from.bytes))
+        return finish(to);
+    if (to_size >= estimate(from))
+        return ZEL_ConvertBuffer(from.from_charset, from.to_charset, from.bytes.data(),
+                                 saturate(from.bytes.size()), to_buf, to_size);
+    put_some_converted(to, from.from_charset, from.to_charset, from.bytes);
+    return finish(to);
+}
+
+std::int32_t _InternetMessageBodyToLocal(const body &from, char *to_buf, std::int32_t to_size) {
+    require_started();
+    if (!is_convertible(from))
+        return no_converter;
+    if (to_size < 0)
+        return estimate(from);
+    if (const direct_route *route = find_direct_route(from))
+        return convert_directly(*route, from.bytes, to_buf, to_size);
+    return convert_by_buffer(from, to_buf, to_size);
+}
+
+} // namespace
+} // namespace zel
+
+using namespace zel;
+
+int32_t ZEL_InternetMessageBodyLocalToLocalLen(const char *language, const char *from_charset, char,
+                                               const char *from_buf, int32_t from_len, const char *to_charset,
+                                               char *to_buf, int32_t to_size) {
+    const bool is_given = from_charset && *from_charset;
+    const std::size_t length = from_len < 0 ? std::strlen(from_buf) : static_cast<std::size_t>(from_len);
+    const body from = {
+        language, is_given ? from_charset : mail_charset(language), {from_buf, length}, to_charset};
+    return _InternetMessageBodyToLocal(from, to_buf, to_size);
+}
+
+int32_t ZEL_InternetMessageBodyLocalToLocal(const char *language, const char *from_charset, char ignored,
+                                            const char *from_buf, const char *to_charset, char *to_buf,
+                                            int32_t to_size) {
+    return ZEL_InternetMessageBodyLocalToLocalLen(language, from_charset, ignored, from_buf, -1, to_charset,
+                                                  to_buf, to_size);
+}
+
+int32_t ZEL_InternetMessageBodyToLocalLen(const char *language, char ignored, const char *from_buf,
+                                          int32_t from_len, const char *to_charset, char *to_buf,
+                                          int32_t to_size) {
+    return ZEL_InternetMessageBodyLocalToLocalLen(language, nullptr, ignored, from_buf, from_len, to_charset,
+                                                  to_buf, to_size);
+}
+
+int32_t ZEL_InternetMessageBodyToLocal(const char *language, char ignored, const char *from_buf,
+                                       const char *to_charset, char *to_buf, int32_t to_size) {
+    return ZEL_InternetMessageBodyLocalToLocalLen(language, nullptr, ignored, from_buf, -1, to_charset,
+                                                  to_buf, to_size);
+}

@@ -1,0 +1,125 @@
+// Bodies on their way out: first into the charset that the language calls for, then, for some languages, into
+// quoted-printable. The charset comes from the table of languages alone: a label and its bytes are chosen
+// apart, and no bundle may make them differ.
+//
+// Invariant: the text is not copied before the transfer step unless it is converted, and a conversion that no
+// transfer step follows writes straight into the caller's buffer.
+
+#include "conv_ja.h"
+#include "zel.h"
+#include "zel/base/charset_names.h"
+#include "zel/base/frame.h"
+#include "zel/base/input.h"
+#include "zel/base/output.h"
+#include "zel/base/string_validity.h"
+#include "zel/base/transfer_encoding.h"
+#include "zel/conversion/buffer_conversion.h"
+#include "zel/conversion/converter_cache.h"
+#include "zel/policy/languages.h"
+
+namespace zel {
+namespace {
+
+constexpr std::int32_t no_text = -1;
+constexpr std::int32_t unknown_language = -2;
+constexpr std::int32_t no_converter = -5;
+
+using jis_encoder = void (*)(input, output &);
+
+struct body {
+    std::string_view text;
+    const char *from_charset;
+    const char *charset; // on the wire
+    bool same;           // the text is in that charset already
+    jis_encoder direct;  // null where the conversion goes its general road
+    bool quoted_printable;
+};
+
+jis_encoder direct_encoder(LanguageID id, const char *from_charset) {
+    if (id != japanese)
+        return nullptr;
+    if (same_charset(from_charset, ianaEUCJP))
+        return convert_eucjp_to_jis;
+    return same_charset(from_charset, ianaSHIFTJIS) ? convert_sjis_to_jis : nullptr;
+}
+
+body decide(LanguageID id, const char *from_charset, std::string_view text, bool qp_for_8bit) {
+    const language_policy &policy = policy_of(id);
+    const bool by_text = policy.encoding == transfer::by_text;
+    const bool ascii = by_text && is7bit(text);
+    const char *charset = ascii ? ianaUSASCII : policy.mail_charset;
+    return {text,
+            from_charset,
+            charset,
+            same_charset(from_charset, charset),
+            direct_encoder(id, from_charset),
+            by_text ? qp_for_8bit && !ascii : policy.encoding == transfer::quoted_printable};
+}
+
+void put_quoted_printable(const body &from, output &to) {
+    if (from.same) {
+        mime_encode_qp_src(from.text, to, false, nullptr);
+        return;
+    }
+    const converted_text converted = convert_text(from.from_charset, from.charset, from.text);
+    if (converted.bytes)
+        mime_encode_qp_src(converted.bytes.get(), to, false, nullptr);
+}
+
+void put_body(const body &from, output &to) {
+    if (from.direct)
+        from.direct(input_from(from.text.data(), saturate(from.text.size())), to);
+    else if (from.quoted_printable)
+        put_quoted_printable(from, to);
+    else
+        put_some_converted(to, from.from_charset, from.charset, from.text);
+}
+
+constexpr std::uint64_t escape_sequences = 6; // into a double-byte set and back
+
+// What the formula leaves out: soft line breaks, one for 24 triples, and the escape sequences around short
+// runs.
+bool may_need_more(const body &from, std::uint64_t size) {
+    if (from.quoted_printable)
+        return size > 24;
+    return from.direct ? !is7bit(from.text) : size <= 2 * escape_sequences;
+}
+
+std::int32_t estimate(const body &from) {
+    const auto size = static_cast<std::uint64_t>(ZEL_GetResultBufferSize(
+        from.text.data(), saturate(from.text.size()), from.from_charset, from.charset));
+    const std::uint64_t formula = from.quoted_printable ? size * 3 : size;
+    if (!may_need_more(from, size))
+        return saturate(formula);
+    output counted = counting_output();
+    put_body(from, counted);
+    return saturate(std::max<std::uint64_t>(formula, counted.length + 1));
+}
+
+} // namespace
+} // namespace zel
+
+using namespace zel;
+
+int32_t ZEL_LocalToInternetMessageBody(const char *language, const char *from_charset, const char *from_buf,
+                                       char *to_buf, int32_t to_size, int32_t qp_for_8bit) {
+    if (!from_buf || !*from_buf)
+        return no_text;
+    require_started();
+    const LanguageID id = checkLanguage(language);
+    if (id == no_language)
+        return unknown_language;
+    const body from = decide(id, from_charset, from_buf, qp_for_8bit != 0);
+    if (!from.same && !borrow_converter(from.from_charset, from.charset))
+        return no_converter;
+    if (to_size < 0)
+        return estimate(from);
+    output to = output_to(to_buf, to_size);
+    put_body(from, to);
+    return finish(to);
+}
+
+int32_t ZEL_UTF8ToInternetMessageBody(const char *language, const char *from_buf, char *to_buf,
+                                      int32_t to_size, int32_t qp_for_8bit) {
+    return ZEL_LocalToInternetMessageBody(language, encUTF8, from_buf, to_buf, to_size, qp_for_8bit);
+}

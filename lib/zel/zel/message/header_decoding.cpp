@@ -1,0 +1,326 @@
+// Header values on their way in: folds are taken out in place, the encoded words of RFC 2047 whose charset
+// the language admits are decoded and converted, and the text around them passes through. The text behind the
+// last word is read as the language's raw mail is.
+//
+// Invariant: the text is read up to its terminator in one pass, and what does not fit stops the output behind
+// the last whole word or character.
+
+#include "conv_ja.h"
+#include "zel.h"
+#include "zel/base/charset_names.h"
+#include "zel/base/frame.h"
+#include "zel/base/input.h"
+#include "zel/base/output.h"
+#include "zel/base/string_validity.h"
+#include "zel/base/transfer_encoding.h"
+#include "zel/conversion/buffer_conversion.h"
+#include "zel/conversion/string_conversion.h"
+
+namespace zel {
+namespace {
+
+constexpr std::size_t longest_charset = 32;
+constexpr std::size_t longest_language = 10;
+constexpr std::size_t stack_scratch = 1024;
+
+bool is_blank(char character) {
+    return character == ' ' || character == '\t';
+}
+
+bool is_fold(const char *at) {
+    return at[0] == '\r' && at[1] == '\n' && is_blank(at[2]);
+}
+
+// Takes the folds out, in place. A fold that an encoded word follows goes whole; any other leaves its blanks.
+void unfold(char *text) {
+    char *to = text;
+    for (const char *from = text; *from;) {
+        if (!is_fold(from)) {
+            *to++ = *from++;
+            continue;
+        }
+        from += 2;
+        const char *behind = from + std::strspn(from, " \t");
+        if (behind[0] == '=' && behind[1] == '?')
+            from = behind;
+        while (from != behind)
+            *to++ = *from++;
+    }
+    *to = '\0';
+}
+
+struct encoded_word {
+    char charset[longest_charset + 1];
+    char encoding;
+    std::string_view raw; // its text, still encoded
+};
+
+// Takes the characters up to a "?" or, within the charset, a "*"; false where there is none or the field is
+// too long.
+bool take_field(std::string_view &from, std::string_view ends, std::size_t longest, std::string_view &field) {
+    const std::size_t length = from.substr(0, longest + 1).find_first_of(ends);
+    if (length == std::string_view::npos)
+        return false;
+    field = from.substr(0, length);
+    from.remove_prefix(length);
+    return true;
+}
+
+// Takes a whole word from the text, or nothing.
+bool take_word(std::string_view &text, std::size_t longest_raw, encoded_word &word) {
+    std::string_view from = text.substr(2);
+    std::string_view charset, language;
+    if (!take_field(from, "?*", longest_charset, charset))
+        return false;
+    if (from.front() == '*') {
+        from.remove_prefix(1);
+        if (!take_field(from, "?", longest_language, language))
+            return false;
+    }
+    if (from.size() < 3 || from[2] != '?')
+        return false;
+    word.encoding = from[1];
+    from.remove_prefix(3);
+    const std::size_t length = from.find("?=");
+    if (length == std::string_view::npos || length > longest_raw)
+        return false;
+    word.raw = from.substr(0, length);
+    *std::copy(charset.begin(), charset.end(), word.charset) = '\0';
+    text = from.substr(length + 2);
+    return true;
+}
+
+// What a header value consists of: plain text and words in turn, then the tail, or the rest from a "=?" on
+// that opens no word.
+struct piece {
+    enum class kind { plain, word, unparsed, tail };
+    kind what;
+    std::string_view text; // as it stands in the value
+    encoded_word word;
+};
+
+// The tail, though it be empty, comes last, unless a rest that does not parse ends the value before it.
+piece take_piece(std::string_view &rest, std::size_t longest_raw) {
+    piece taken = {piece::kind::tail, rest, {}};
+    const std::size_t plain = rest.find("=?");
+    if (plain == std::string_view::npos) {
+        rest = {};
+    } else if (plain > 0) {
+        taken.what = piece::kind::plain;
+        rest.remove_prefix(plain);
+    } else if (take_word(rest, longest_raw, taken.word)) {
+        taken.what = piece::kind::word;
+    } else {
+        taken.what = piece::kind::unparsed;
+        rest = {};
+    }
+    taken.text.remove_suffix(rest.size());
+    return taken;
+}
+
+bool ends_value(const piece &taken) {
+    return taken.what == piece::kind::tail || taken.what == piece::kind::unparsed;
+}
+
+struct header_pass {
+    const char *language;
+    const char *to_charset;
+    std::string_view text;
+    std::size_t longest_raw;
+    char *decoded; // room for the longest raw text; null where there is no memory
+};
+
+enum class road { raw, copy, jis_to_eucjp, jis_to_sjis, icu };
+
+road jis_road(const char *from_charset, const char *to_charset) {
+    if (same_charset(from_charset, ianaISO2022JP) && same_charset(to_charset, ianaEUCJP))
+        return road::jis_to_eucjp;
+    if (same_charset(from_charset, ianaISO2022JP) && same_charset(to_charset, ianaSHIFTJIS))
+        return road::jis_to_sjis;
+    return road::icu;
+}
+
+bool is_one_of(char character, std::string_view set) {
+    return set.find(character) != std::string_view::npos;
+}
+
+road choose_road(const header_pass &pass, const encoded_word &word) {
+    if (!pass.decoded || !ZEL_IsInternetMessageKnownCharset(pass.language, word.charset) ||
+        !is_one_of(word.encoding, "BbQq"))
+        return road::raw;
+    if (same_charset(word.charset, pass.to_charset))
+        return road::copy;
+    if (!ZEL_EncodingConverterExists(word.charset, pass.to_charset))
+        return road::raw;
+    return jis_road(word.charset, pass.to_charset);
+}
+
+// Up to the first zero byte.
+std::string_view decode(const header_pass &pass, const encoded_word &word) {
+    const std::size_t length =
+        is_one_of(word.encoding, "Bb") ? decode_b(word.raw, pass.decoded) : decode_q(word.raw, pass.decoded);
+    return {pass.decoded, strnlen(pass.decoded, length)};
+}
+
+using jis_converter = void (*)(input, output &);
+
+// No byte of JIS text becomes more than two.
+bool put_whole(output &to, jis_converter convert, input from) {
+    if (!fits(to, 2 * left(from))) {
+        output counted = counting_output();
+        convert(from, counted);
+        if (!fits(to, counted.length))
+            return false;
+    }
+    convert(from, to);
+    return true;
+}
+
+input bytes_of(std::string_view text) {
+    return input_from(text.data(), saturate(text.size()));
+}
+
+bool put_word(const header_pass &pass, const encoded_word &word, output &to) {
+    const road chosen = choose_road(pass, word);
+    if (chosen == road::raw)
+        return put(to, word.raw);
+    const std::string_view decoded = decode(pass, word);
+    switch (chosen) {
+    case road::jis_to_eucjp:
+        return put_whole(to, convert_jis_to_eucjp, bytes_of(decoded));
+    case road::jis_to_sjis:
+        return put_whole(to, convert_jis_to_sjis, bytes_of(decoded));
+    default:
+        return put_converted(to, word.charset, pass.to_charset, decoded);
+    }
+}
+
+bool is_japanese(const char *language) {
+    return language && std::strncmp(language, "ja", 2) == 0;
+}
+
+// Raw JIS is what Japanese mailers once wrote; no other language has a charset for raw bytes.
+void put_tail(const header_pass &pass, std::string_view tail, output &to) {
+    if (!is_japanese(pass.language)) {
+        for (const char byte : tail)
+            if (!put(to, static_cast<unsigned char>((byte & 0x80) && !passes_8bit() ? '?' : byte)))
+                return;
+        return;
+    }
+    switch (jis_road(ianaISO2022JP, pass.to_charset)) {
+    case road::jis_to_eucjp:
+        return convert_jis_to_eucjp(bytes_of(tail), to);
+    case road::jis_to_sjis:
+        return convert_jis_to_sjis(bytes_of(tail), to);
+    default:
+        put_some_converted(to, ianaISO2022JP, pass.to_charset, tail);
+    }
+}
+
+bool put_piece(const header_pass &pass, const piece &taken, output &to) {
+    if (taken.what == piece::kind::word)
+        return put_word(pass, taken.word, to);
+    if (taken.what == piece::kind::tail)
+        put_tail(pass, taken.text, to);
+    else if (!put_some(to, taken.text))
+        return false;
+    return !ends_value(taken);
+}
+
+void put_value(const header_pass &pass, output &to) {
+    std::string_view rest = pass.text;
+    while (put_piece(pass, take_piece(rest, pass.longest_raw), to))
+        ;
+}
+
+std::uint64_t documented_size(const header_pass &pass, const piece &taken) {
+    if (taken.what != piece::kind::word)
+        return taken.text.size();
+    const road chosen = choose_road(pass, taken.word);
+    if (chosen == road::raw)
+        return taken.word.raw.size();
+    const std::string_view decoded = decode(pass, taken.word);
+    if (chosen == road::copy)
+        return decoded.size();
+    return static_cast<std::uint64_t>(ZEL_GetResultBufferSize(decoded.data(), saturate(decoded.size()),
+                                                              taken.word.charset, pass.to_charset));
+}
+
+bool holds_fold(std::string_view text) {
+    for (std::size_t at = text.find("\r\n"); at != std::string_view::npos; at = text.find("\r\n", at + 2))
+        if (at + 2 < text.size() && is_blank(text[at + 2]))
+            return true;
+    return false;
+}
+
+// A fold within a word may hide another reading of it, the tail of a Japanese value may widen, and a word of
+// a single character may need more than its size for switching the target's set on and off.
+bool may_need_more(const header_pass &pass, const piece &taken) {
+    if (taken.what == piece::kind::plain)
+        return false;
+    if (taken.what == piece::kind::tail)
+        return is_japanese(pass.language) && !taken.text.empty();
+    constexpr std::size_t single = 4; // encoded as a byte of its own, a triple or a padded group
+    return taken.word.raw.size() <= single || holds_fold(taken.text);
+}
+
+std::uint64_t real_need(header_pass pass, std::int32_t from_len) {
+    const heap_string unfolded(duplicate(pass.text.data()));
+    if (!unfolded)
+        return 0;
+    unfold(unfolded.get());
+    pass.text = unfolded.get();
+    pass.longest_raw = from_len < 0 ? pass.text.size() : pass.longest_raw;
+    output counted = counting_output();
+    put_value(pass, counted);
+    return counted.length;
+}
+
+std::int32_t estimate(const header_pass &pass, std::int32_t from_len) {
+    std::uint64_t documented = 0;
+    bool needs_more = false;
+    std::string_view rest = pass.text;
+    for (bool ended = false; !ended;) {
+        const piece taken = take_piece(rest, pass.longest_raw);
+        documented += documented_size(pass, taken);
+        needs_more = needs_more || may_need_more(pass, taken);
+        ended = ends_value(taken);
+    }
+    return saturate(needs_more ? std::max(documented, real_need(pass, from_len)) : documented);
+}
+
+} // namespace
+} // namespace zel
+
+using namespace zel;
+
+int32_t ZEL_InternetMessageHeaderToLocalLen(const char *language, char *text, int32_t from_len,
+                                            const char *to_charset, char *to_buf, int32_t to_size) {
+    require_started();
+    if (to_size >= 0)
+        unfold(text);
+    const std::string_view value = text;
+    const std::size_t longest_raw = from_len < 0 ? value.size() : static_cast<std::size_t>(from_len);
+    const std::size_t scratch_size = std::min(longest_raw, value.size()) + 1;
+    char on_stack[stack_scratch];
+    const heap_string on_heap = scratch_size > stack_scratch ? allocate<char>(scratch_size) : nullptr;
+    const header_pass pass = {language, to_charset, value, longest_raw,
+                              scratch_size > stack_scratch ? on_heap.get() : on_stack};
+    if (to_size < 0)
+        return estimate(pass, from_len);
+    output to = output_to(to_buf, to_size);
+    put_value(pass, to);
+    const std::int32_t count = finish(to);
+    if (to.size > 0)
+        checkstringvalidity(to_charset, to_buf, to.length);
+    return count;
+}
+
+int32_t ZEL_InternetMessageHeaderToLocal(const char *language, char *text, const char *to_charset,
+                                         char *to_buf, int32_t to_size) {
+    return ZEL_InternetMessageHeaderToLocalLen(language, text, -1, to_charset, to_buf, to_size);
+}
+
+int32_t ZEL_InternetMessageHeaderToUTF8(const char *language, char *text, char *to_buf, int32_t to_size) {
+    return ZEL_InternetMessageHeaderToLocal(language, text, encUTF8, to_buf, to_size);
+}
