@@ -22,5 +22,6 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/zelConfig.cmake ${CMAKE_CURRENT_BINARY
         DESTINATION ${package_dir})
 
 file(RELATIVE_PATH pc_to_prefix /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
+string(REGEX REPLACE "/$" "" pc_to_prefix ${pc_to_prefix})
 configure_file(cmake/zel.pc.in zel.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/zel.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
