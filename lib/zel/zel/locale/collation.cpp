@@ -1,0 +1,95 @@
+// Comparison of texts and of header values as a reader of the language would sort them. Both texts go to
+// UTF-16 and through ICU's collation; wherever ICU cannot do its part, the bytes decide.
+//
+// Invariant: collation is an improvement and never a condition, so nothing fails.
+
+#include "zel.h"
+#include "zel/base/charset_names.h"
+#include "zel/base/output.h"
+#include "zel/conversion/converter_cache.h"
+#include "zel/conversion/utf16_text.h"
+#include "zel/locale/icu_locale.h"
+
+#include <unicode/ucol.h>
+
+#include <algorithm>
+#include <cstring>
+#include <optional>
+
+namespace zel {
+namespace {
+
+using collator = owned<UCollator, &ucol_close>;
+
+collator open_collator(const char *locale) {
+    const std::optional<icu_locale> known = find_locale(locale);
+    if (!known)
+        return nullptr;
+    UErrorCode status = U_ZERO_ERROR;
+    collator opened(ucol_open(known->name, &status));
+    if (U_FAILURE(status))
+        return nullptr;
+    ucol_setStrength(opened.get(), UCOL_TERTIARY);
+    ucol_setAttribute(opened.get(), UCOL_NORMALIZATION_MODE, UCOL_ON, &status);
+    return opened;
+}
+
+// Nothing where ICU cannot tell.
+std::optional<std::int32_t> collate(const char *locale, const char *charset, const char *first,
+                                    const char *second) {
+    UErrorCode status = U_ZERO_ERROR;
+    const icu_converter cnv(ucnv_open(charset, &status));
+    if (U_FAILURE(status))
+        return std::nullopt;
+    const std::int32_t min_char_size = ucnv_getMinCharSize(cnv.get());
+    const utf16_text one = to_utf16(cnv.get(), min_char_size, first);
+    const utf16_text other = to_utf16(cnv.get(), min_char_size, second);
+    if (!one.units || !other.units)
+        return std::nullopt;
+    const collator order = open_collator(locale);
+    if (!order)
+        return std::nullopt;
+    return ucol_strcoll(order.get(), one.units.get(), one.length, other.units.get(), other.length);
+}
+
+struct header_buffer {
+    char fixed[1024 + 1];
+    heap_string longer;
+};
+
+// The text of a header value, in no more bytes than the value has itself; null without memory.
+const char *decode_header(const char *language, const char *charset, char *value, header_buffer &buffer) {
+    const std::size_t size = std::strlen(value) + 1;
+    char *text = buffer.fixed;
+    if (size > sizeof buffer.fixed)
+        text = (buffer.longer = allocate<char>(size)).get();
+    if (text)
+        ZEL_InternetMessageHeaderToLocalLen(language, value, -1, charset, text, saturate(size));
+    return text;
+}
+
+} // namespace
+} // namespace zel
+
+using namespace zel;
+
+int32_t ZEL_CompareStrings(const char *locale, const char *charset, const char *first, const char *second) {
+    if (!first || !second)
+        return (first ? 1 : 0) - (second ? 1 : 0);
+    const int by_bytes = std::strcmp(first, second);
+    if (by_bytes == 0)
+        return 0;
+    const char *known_charset = charset && *charset ? charset : ianaUSASCII;
+    return collate(locale, known_charset, first, second).value_or(by_bytes);
+}
+
+int32_t ZEL_CompareMessageHeaderStrings(const char *language, const char *charset, char *first,
+                                        char *second) {
+    header_buffer first_buffer;
+    header_buffer second_buffer;
+    const char *first_text = decode_header(language, charset, first, first_buffer);
+    const char *second_text = decode_header(language, charset, second, second_buffer);
+    if (!first_text || !second_text)
+        return std::strcmp(first, second);
+    return ZEL_CompareStrings(language, charset, first_text, second_text);
+}
