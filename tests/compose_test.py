@@ -1,0 +1,84 @@
+"""Messages that compose writes, read by Python's email package and by show: subject, sender's name, file name and body
+come back the same in all languages. The texts keep clear of what the library does otherwise than readers of RFC 2047
+expect: no blank between two words of non-ASCII letters in a header, and no header that has to be folded.
+usage: compose_test.py DIRECTORY-OF-PROGRAMS"""
+
+import email
+import email.policy
+import pathlib
+import subprocess
+import sys
+import tempfile
+import unittest
+
+PROGRAMS = pathlib.Path(sys.argv.pop())
+WESTERN, CENTRAL, BALTIC, CYRILLIC = "Größeçñåœ€", "Žluťýkůń", "Šūņģērõąė", "Журналј"
+LETTERS = {
+    WESTERN: "en de fr es af ca da nl fi gl ga is it no pt sv eu sq",
+    CENTRAL: "cs hu pl ro hr sk sl",
+    BALTIC: "et lv lt",
+    CYRILLIC: "ru bg be sr mk uk",
+    "Καλημέρα": "el",
+    "Şğıİçöü": "tr",
+    "رسالة": "ar",
+    "שלום": "he",
+    "בריוו": "yi",
+    "สวัสดี": "th",
+    "会議の件": "ja",
+    "안녕하세요": "ko",
+    "会议通知": "zh zh-CN zh_CN",
+    "許功蓋": "zh-TW zh_TW",
+}
+
+
+def written(language, subject, sender, file_name, body):
+    arguments = [PROGRAMS / "compose", language, subject, sender, file_name, body]
+    return subprocess.run(arguments, capture_output=True, check=True).stdout
+
+
+class ComposedMessage(unittest.TestCase):
+    def test_reads_the_same_in_every_language(self):
+        for letters, languages in LETTERS.items():
+            for language in languages.split():
+                with self.subTest(language):
+                    self.check(language, letters)
+
+    def check(self, language, letters):
+        body = f"{letters} = 100%, _?.\n\n{letters * 12}\n{'long ' * 20}{letters}.\n"
+        wire = written(language, f"Re: {letters}", f"{letters} Abc", f"{letters[:4]}.txt", body)
+        message = email.message_from_bytes(wire, policy=email.policy.default)
+        attachment = next(message.iter_attachments())
+        self.assertEqual(message["subject"], f"Re: {letters}")
+        self.assertEqual(message["from"].addresses[0].display_name, f"{letters} Abc")
+        self.assertEqual(attachment.get_filename(), f"{letters[:4]}.txt")
+        for part in message.get_body(), attachment:
+            self.assertEqual(part.get_content(), body.replace("\n", "\r\n"))
+        self.check_shown(language, wire, [f"Re: {letters}", f"{letters} Abc <", f"{letters[:4]}.txt", letters * 12])
+
+    def check_shown(self, language, wire, texts):
+        with tempfile.TemporaryDirectory() as directory:
+            path = pathlib.Path(directory, f"{language}.eml")
+            path.write_bytes(wire)
+            shown = subprocess.run([PROGRAMS / "show", path], capture_output=True, check=True).stdout.decode()
+        for text in texts:
+            self.assertIn(text, shown)
+
+    def test_covers_the_languages_of_the_library(self):
+        listed = subprocess.run([PROGRAMS / "languages"], capture_output=True, check=True, text=True).stdout
+        tested = [language for languages in LETTERS.values() for language in languages.split()]
+        self.assertEqual(sorted(tested), sorted(listed[listed.index("[") + 1 : listed.index("]")].split(",")))
+
+    def test_is_plain_where_the_text_is_ascii(self):
+        wire = written("de", "Hello", 'Doe, "Jim"', "a.txt", "just text\n")
+        message = email.message_from_bytes(wire, policy=email.policy.default)
+        self.assertEqual(message["from"].addresses[0].display_name, 'Doe, "Jim"')
+        self.assertIn(b"\r\nSubject: Hello\r\n", wire)
+        self.assertEqual(message.get_body()["content-type"].params["charset"], "us-ascii")
+
+    def test_is_refused_with_a_line_end_in_a_header(self):
+        for subject, sender in [("a\r\nBcc: b", "c"), ("a", "b\nBcc: c")]:
+            with self.assertRaises(subprocess.CalledProcessError):
+                written("de", subject, sender, "a.txt", "text")
+
+
+unittest.main()
