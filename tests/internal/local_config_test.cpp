@@ -1,0 +1,131 @@
+// The remembered answers under threads and without memory, the local charset, and the stop at exit.
+
+#include "failing_allocation.h"
+#include "scratch.h"
+#include "support.h"
+
+#include "zel/base/frame.h"
+#include "zel/policy/charset_policy.h"
+#include "zel/policy/local_config.h"
+
+#include <sys/utsname.h>
+
+#include <map>
+#include <sstream>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using namespace zel;
+
+std::map<std::string, int> remembered_keys() {
+    std::map<std::string, int> keys;
+    for (const LocalConfigEntry *entry = LocalConfigHead; entry; entry = entry->next)
+        ++keys[entry->key.get()];
+    return keys;
+}
+
+TEST(LocalConfig, remembers_a_key_as_it_was_spelled_and_answers_with_its_first_entry) {
+    start_library();
+    for (const char *language : {"de", "DE", "xx", "de", "", static_cast<const char *>(nullptr)})
+        http_charset(language);
+    http_charset(std::string(121, 'l').c_str());
+    EXPECT_EQ(remembered_keys(), (std::map<std::string, int>{{"http|de", 1}, {"http|xx", 1}}));
+    EXPECT_STREQ(add_localconfig(LocalConfigHead, "HTTP|de", "another"), "another");
+    EXPECT_STREQ(load_localconfig("HTTP|de"), "iso-8859-1");
+    EXPECT_EQ(load_localconfig("http|fr"), nullptr);
+    EXPECT_EQ(remembered_keys().size(), 3u);
+}
+
+TEST(LocalConfig, gives_eight_threads_the_same_answers_while_it_grows) {
+    start_library();
+    const auto ask = [](int first) {
+        for (int i = 0; i < 200; ++i) {
+            const std::string language = "x" + std::to_string((first + i) % 200);
+            EXPECT_STREQ(http_charset(language.c_str()), "iso-8859-1");
+            EXPECT_STREQ(mail_charset("ja"), "iso-2022-jp");
+        }
+    };
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 8; ++i)
+        threads.emplace_back(ask, i * 25);
+    for (std::thread &thread : threads)
+        thread.join();
+    EXPECT_EQ(remembered_keys().size(), 201u);
+    for (const auto &[key, entries] : remembered_keys())
+        EXPECT_LE(entries, 8) << key;
+}
+
+TEST(LocalConfig, answers_without_memory_and_remembers_nothing_then) {
+    const custom_bundle bundle("mail|ja = koi8-r\n");
+    start_library(bundle.root().c_str());
+    for (int succeeding = 0; succeeding < 3; ++succeeding) {
+        fail_allocation_after(succeeding);
+        EXPECT_STREQ(mail_charset("de"), "iso-8859-15");
+        fail_allocation_after(succeeding);
+        EXPECT_STREQ(mail_charset("ja"), "iso-2022-jp");
+        no_failing_allocations();
+        EXPECT_TRUE(remembered_keys().empty());
+    }
+    EXPECT_STREQ(mail_charset("ja"), "koi8-r");
+}
+
+std::string local_charset(const std::string &root, const char *lang) {
+    lang ? setenv("LANG", lang, 1) : unsetenv("LANG");
+    _setupLocalCharEncoding(root.c_str());
+    return encLocal;
+}
+
+TEST(LocalCharset, follows_LANG_on_this_system_then_LANG_then_its_language) {
+    utsname os = {};
+    uname(&os);
+    const std::string a128(128, 'a'), name99(99, 'n');
+    const custom_bundle bundle(os.sysname + std::string("|{de_DE,} = of-system\n") +
+                               "de_DE C i ja_JP.eucJP@x = of-lang\nde is = of-language\n"
+                               "b = of-letter\nbr_FR = \\uD800\nbr = behind-broken\nempty =\n" +
+                               a128 + " = of-128\nl99 = " + name99 + "\nl100 = " + name99 + "n\n");
+    std::istringstream rows("de_DE of-system ja_JP.eucJP@x of-lang C of-lang i of-lang de_AT of-language "
+                            "it iso-8859-1 is_IS.UTF-8 of-language br_FR behind-broken ja iso-8859-1 " +
+                            a128 + " of-128 " + a128 + "b of-128 l99 " + name99 + " l100 iso-8859-1");
+    for (std::string lang, charset; rows >> lang >> charset;)
+        EXPECT_EQ(local_charset(bundle.root(), lang.c_str()), charset) << lang;
+    EXPECT_EQ(local_charset(bundle.root(), ""), "of-system");
+    EXPECT_EQ(local_charset(bundle.root(), "empty"), "");
+    EXPECT_EQ(local_charset(bundle.root(), nullptr), "of-lang");
+}
+
+TEST(LocalCharset, is_the_built_in_one_where_there_is_no_bundle_or_no_room_for_its_path) {
+    const custom_bundle bundle("C = koi8-r\n");
+    const std::size_t room = 1023 - std::string("/encbylang").size();
+    EXPECT_EQ(local_charset("/nowhere", nullptr), "iso-8859-1");
+    EXPECT_EQ(local_charset(lengthened(bundle.root(), room), nullptr), "koi8-r");
+    for (const std::size_t length : {room + 1, room + 10, room + 11, 9 * room})
+        EXPECT_EQ(local_charset(lengthened(bundle.root(), length), nullptr), "iso-8859-1");
+    fail_allocation_after(0);
+    EXPECT_EQ(local_charset(bundle.root(), nullptr), "iso-8859-1");
+}
+
+TEST(LocalCharset, of_the_default_bundle_is_that_of_common_locales) {
+    std::istringstream rows("en_US.UTF-8 UTF-8 C.UTF-8 UTF-8 de_DE.utf8 UTF-8 de_DE iso-8859-1 C iso-8859-1 "
+                            "de_DE@euro iso-8859-15 ja_JP.eucJP euc-jp ja_JP.SJIS Shift_JIS zh_TW big5 "
+                            "ru_RU.KOI8-R koi8-r hi_IN UTF-8 ca_ES.UTF-8@valencia UTF-8");
+    for (std::string lang, charset; rows >> lang >> charset;)
+        EXPECT_EQ(local_charset(DEFAULT_BUNDLE_ROOT, lang.c_str()), charset) << lang;
+}
+
+// Runs behind the library's own exit handler, and tells whether that one has stopped the library.
+[[noreturn]] void start_and_exit(const ZELConfig *config) {
+    std::atexit([] { _exit(LocalConfigHead.load() ? 1 : 0); });
+    ZEL_Initialize("/nowhere", config);
+    http_charset("de");
+    std::exit(2);
+}
+
+TEST(Stop, comes_at_exit_unless_the_host_keeps_it_to_itself) {
+    const ZELConfig no_atexit = {.no_atexit = -1}, plain = {};
+    EXPECT_EXIT(start_and_exit(&plain), testing::ExitedWithCode(0), "");
+    EXPECT_EXIT(start_and_exit(&no_atexit), testing::ExitedWithCode(1), "");
+}
+
+} // namespace

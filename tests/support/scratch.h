@@ -1,0 +1,58 @@
+// Directories that go away with the test, and charset bundles that the bundle compiler makes in them.
+
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+
+#include <stdlib.h>
+
+class scratch_directory {
+public:
+    scratch_directory() {
+        if (!mkdtemp(path_.data()))
+            ADD_FAILURE() << "no directory " << path_;
+    }
+    ~scratch_directory() { std::filesystem::remove_all(path_); }
+    scratch_directory(const scratch_directory &) = delete;
+
+    const std::string &path() const { return path_; }
+
+private:
+    std::string path_ = testing::TempDir() + "zel-XXXXXX";
+};
+
+// The same directory by a path of that many bytes.
+inline std::string lengthened(std::string path, std::size_t size) {
+    if ((size - path.size()) % 2)
+        path += '/';
+    while (path.size() < size)
+        path += "/.";
+    return path;
+}
+
+// Gives what the compiler has to say: nothing when it went well.
+inline std::string compile_bundle(const std::string &source, const std::string &root) {
+    std::ofstream(root + "/source.txt") << source;
+    const std::string command = BUNDLE_COMPILER " '" + root + "/source.txt' '" + root + "' 2>&1";
+    const std::unique_ptr<FILE, decltype(&pclose)> pipe(popen(command.c_str(), "r"), pclose);
+    std::string messages;
+    for (int byte; pipe && (byte = std::fgetc(pipe.get())) != EOF;)
+        messages += static_cast<char>(byte);
+    return messages;
+}
+
+// A bundle root for a source that is right.
+class custom_bundle {
+public:
+    explicit custom_bundle(const std::string &source) { EXPECT_EQ(compile_bundle(source, root()), ""); }
+    const std::string &root() const { return directory_.path(); }
+
+private:
+    scratch_directory directory_;
+};
