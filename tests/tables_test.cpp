@@ -1,0 +1,91 @@
+// The tables between Big5 and GB 2312 through the converters that read them: telling characters, the ways
+// there and back, and the characters that both sets have, which iconv names.
+
+#include "neighbour.h"
+#include "support.h"
+
+#include <algorithm>
+#include <functional>
+#include <set>
+
+namespace {
+
+std::string mapped(std::int32_t (&convert)(const char *, std::int32_t, char *, std::int32_t),
+                   std::string_view in) {
+    char to[16];
+    const std::int32_t length = convert(in.data(), static_cast<std::int32_t>(in.size()), to, sizeof to);
+    return std::string(to, static_cast<std::size_t>(length));
+}
+
+// Calls a test for each pair that a row of a charset has.
+void for_each_pair(int first_lead, int last_lead, int first_trail,
+                   const std::function<void(std::string)> &test) {
+    for (int lead = first_lead; lead <= last_lead; ++lead)
+        for (int trail = first_trail; trail <= 0xFE; ++trail)
+            if (trail <= 0x7E || trail >= 0xA1)
+                test({static_cast<char>(lead), static_cast<char>(trail)});
+}
+
+TEST(Tables, tell_traditional_from_simplified_characters) {
+    const struct {
+        const char *big5, *gb, *back;
+    } rows[] = {
+        {"\xA1\x40", "\xA1\xA1", "\xA1\x40"}, {"\xA1\x41", "\xA3\xAC", "\xA1\x41"},
+        {"\xA1\x44", "\xA3\xAE", "\xA1\x44"}, {"\xA1\x45", "\xA3\xAE", "\xA1\x44"},
+        {"\xA1\x4A", "\xA1\xC3", "\xA1\x4A"}, {"\xA4\x40", "\xD2\xBB", "\xA4\x40"},
+        {"\xB0\xEA", "\xB9\xFA", "\xB0\xEA"}, {"\xC5\xE9", "\xCC\xE5", "\xC5\xE9"},
+        {"\xB7\x52", "\xB0\xAE", "\xB7\x52"}, {"\xB5\x6F", "\xB7\xA2", "\xB5\x6F"},
+        {"\xBE\x76", "\xB7\xA2", "\xB5\x6F"}, {"\xA6\x5A", "\xBA\xF3", "\xA6\x5A"},
+        {"\xB8\xCC", "\xC0\xEF", "\xA8\xBD"}, {"\xCA\x5E", "\xCC\xE5", "\xC5\xE9"},
+    };
+    for (const auto &row : rows) {
+        EXPECT_EQ(mapped(big2gb, row.big5), row.gb);
+        EXPECT_EQ(mapped(gb2big5, row.gb), row.back);
+    }
+}
+
+TEST(Tables, rows_without_counterpart_are_empty) {
+    const auto is_hole = [](const unsigned char *cell) { return !cell[0] && !cell[1]; };
+    for (const int lead : {0xC7, 0xC8})
+        EXPECT_TRUE(std::all_of(B2G + (lead - 0xA1) * 158, B2G + (lead - 0xA0) * 158, is_hole)) << lead;
+    for (const int lead : {0xA4, 0xA5, 0xA7, 0xAA, 0xAB, 0xAC, 0xAD, 0xAE, 0xAF})
+        EXPECT_TRUE(std::all_of(G2B + (lead - 0xA1) * 94, G2B + (lead - 0xA0) * 94, is_hole)) << lead;
+}
+
+TEST(Tables, cells_are_empty_or_a_character_of_the_other_set) {
+    const neighbour from_gb("GB2312", "UTF-8"), from_big5("CP950", "UTF-8");
+    const auto expect_character = [](const neighbour &decode, const unsigned char *cell) {
+        const std::string pair(reinterpret_cast<const char *>(cell), 2);
+        EXPECT_TRUE(pair == std::string(2, '\0') || !decode(pair).empty()) << testing::PrintToString(pair);
+    };
+    for (const auto &cell : B2G)
+        expect_character(from_gb, cell);
+    for (const auto &cell : G2B)
+        expect_character(from_big5, cell);
+}
+
+TEST(Tables, what_big5_reaches_comes_back_to_one_that_goes_there) {
+    std::set<std::string> reached;
+    for_each_pair(0xA1, 0xF9, 0x40, [&](const std::string &big5) {
+        if (const std::string gb = mapped(big2gb, big5); gb != "??")
+            reached.insert(gb);
+    });
+    EXPECT_GE(reached.size(), 6700U);
+    for (const std::string &gb : reached)
+        EXPECT_EQ(mapped(big2gb, mapped(gb2big5, gb)), gb);
+}
+
+TEST(Tables, ideographs_that_both_sets_have_go_to_themselves) {
+    const neighbour to_unicode("BIG5", "UTF-8"), to_gb("UTF-8", "GB2312");
+    int shared = 0;
+    for_each_pair(0xA4, 0xF9, 0x40, [&](const std::string &big5) {
+        const std::string gb = to_gb(to_unicode(big5));
+        if (gb.empty())
+            return;
+        ++shared;
+        EXPECT_EQ(mapped(big2gb, big5), gb);
+    });
+    EXPECT_GT(shared, 4000);
+}
+
+} // namespace
