@@ -94,42 +94,52 @@ static GMimeObject *new_attachment(const char *language, const char *name, const
     return part;
 }
 
-static GMimeMessage *new_message(const char *language, const char *subject, const char *sender,
-                                 const char *file_name, const char *body) {
+static void add_part(GMimeMultipart *parts, GMimeObject *part) {
+    g_mime_multipart_add(parts, part);
+    g_object_unref(part);
+}
+
+static GMimeMessage *new_message(const char *language, const char *subject, const char *sender) {
     GMimeMessage *message = g_mime_message_new(TRUE);
-    GMimeMultipart *parts = g_mime_multipart_new_with_subtype("mixed");
     GDateTime *now = g_date_time_new_now_local();
     char *id = g_mime_utils_generate_message_id("example.org"), *wire = header_to_wire(language, subject);
-
-    g_mime_multipart_add(parts, new_body(language, body));
-    g_mime_multipart_add(parts, new_attachment(language, file_name, body));
     set_sender(GMIME_OBJECT(message), language, sender);
     set_header(GMIME_OBJECT(message), "To", "", "reader@example.com", "");
     set_header(GMIME_OBJECT(message), "Subject", "", wire, "");
     g_mime_message_set_date(message, now);
     g_mime_message_set_message_id(message, id);
-    g_mime_message_set_mime_part(message, GMIME_OBJECT(parts));
     g_date_time_unref(now);
     g_free(id);
     free(wire);
     return message;
 }
 
-int main(int argc, char **argv) {
-    if (argc != 6)
-        stop("compose", "give a language, a subject, the sender's name, a file name and a body");
-    refuse_line_ends("subject", argv[2]);
-    refuse_line_ends("sender's name", argv[3]);
-    start_library();
-    g_mime_init();
-    char *body = with_wire_line_ends(argv[5]);
-    GMimeMessage *message = new_message(argv[1], argv[2], argv[3], argv[4], body);
+static int write_message(GMimeMessage *message) {
     GMimeStream *output = g_mime_stream_pipe_new(1);
     GMimeFormatOptions *format = g_mime_format_options_new();
     g_mime_format_options_set_newline_format(format, GMIME_NEWLINE_FORMAT_DOS);
     int written = g_mime_object_write_to_stream(GMIME_OBJECT(message), format, output) > 0;
     g_mime_format_options_free(format);
     g_object_unref(output);
+    return written;
+}
+
+int main(int argc, char **argv) {
+    if (argc != 6)
+        stop("compose", "give a language, a subject, the sender's name, a file name and a body");
+    const char *language = argv[1], *subject = argv[2], *sender = argv[3], *file_name = argv[4];
+    refuse_line_ends("subject", subject);
+    refuse_line_ends("sender's name", sender);
+    start_library();
+    g_mime_init();
+    char *body = with_wire_line_ends(argv[5]);
+    GMimeMessage *message = new_message(language, subject, sender);
+    GMimeMultipart *parts = g_mime_multipart_new_with_subtype("mixed");
+    add_part(parts, new_body(language, body));
+    add_part(parts, new_attachment(language, file_name, body));
+    g_mime_message_set_mime_part(message, GMIME_OBJECT(parts));
+    int written = write_message(message);
+    g_object_unref(parts);
     g_object_unref(message);
     free(body);
     return written ? 0 : 1;
