@@ -40,19 +40,18 @@ TEST(LocalConfig, remembers_a_key_as_it_was_spelled_and_answers_with_its_first_e
 
 TEST(LocalConfig, gives_eight_threads_the_same_answers_while_it_grows) {
     start_library();
-    const auto ask = [](int first) {
-        for (int i = 0; i < 200; ++i) {
-            const std::string language = "x" + std::to_string((first + i) % 200);
-            EXPECT_STREQ(http_charset(language.c_str()), "iso-8859-1");
-            EXPECT_STREQ(mail_charset("ja"), "iso-2022-jp");
+    const auto ask = [](const std::string &own) {
+        for (int i = 0; i < 100; ++i) {
+            EXPECT_STREQ(http_charset((own + std::to_string(i)).c_str()), "iso-8859-1");
+            EXPECT_STREQ(http_charset(std::to_string(i).c_str()), "iso-8859-1");
         }
     };
     std::vector<std::thread> threads;
-    for (int i = 0; i < 8; ++i)
-        threads.emplace_back(ask, i * 25);
+    for (const char *own : {"a", "b", "c", "d", "e", "f", "g", "h"})
+        threads.emplace_back(ask, own);
     for (std::thread &thread : threads)
         thread.join();
-    EXPECT_EQ(remembered_keys().size(), 201u);
+    EXPECT_EQ(remembered_keys().size(), 900u);
     for (const auto &[key, entries] : remembered_keys())
         EXPECT_LE(entries, 8) << key;
 }
