@@ -130,6 +130,8 @@ int main(int argc, char **argv) {
     const char *language = argv[1], *subject = argv[2], *sender = argv[3], *file_name = argv[4];
     refuse_line_ends("subject", subject);
     refuse_line_ends("sender's name", sender);
+    if (!*file_name)
+        stop("file name", "an empty one has no form on the wire");
     start_library();
     g_mime_init();
     char *body = with_wire_line_ends(argv[5]);

@@ -75,10 +75,17 @@ class ComposedMessage(unittest.TestCase):
         self.assertIn(b"\r\nSubject: Hello\r\n", wire)
         self.assertEqual(message.get_body()["content-type"].params["charset"], "us-ascii")
 
-    def test_is_refused_with_a_line_end_in_a_header(self):
-        for subject, sender in [("a\r\nBcc: b", "c"), ("a", "b\nBcc: c")]:
+    def test_is_refused_when_its_headers_would_break(self):
+        for subject, sender, file_name in [("a\r\nBcc: b", "c", "d"), ("a", "b\nBcc: c", "d"), ("a", "b", "")]:
             with self.assertRaises(subprocess.CalledProcessError):
-                written("de", subject, sender, "a.txt", "text")
+                written("de", subject, sender, file_name, "text")
+
+    def test_keeps_its_headers_together_whatever_the_length_of_the_subject(self):
+        for length in range(1, 130):
+            wire = written("de", "ü" * length, "Jürgen", "a.txt", "text")
+            message = email.message_from_bytes(wire, policy=email.policy.default)
+            self.assertEqual(message["subject"].replace(" ", ""), "ü" * length)
+            self.assertEqual(message["to"], "reader@example.com")
 
 
 unittest.main()
