@@ -19,7 +19,8 @@ bool take_hz_escape(input &from, bool &gb) {
     if (peek(from) != '~')
         return false;
     const unsigned char second = peek(from, 1);
-    if (second == (gb ? '}' : '{'))
+    const unsigned char shift = gb ? '}' : '{';
+    if (second == shift)
         gb = !gb;
     else if (gb || second != '\n')
         return false;
