@@ -42,7 +42,7 @@ constexpr direct_route direct_routes[] = {
 };
 
 template <class Row, std::size_t N>
-const Row *find_pair(const Row (&rows)[N], const char *from_charset, const char *to_charset) {
+const Row *find_row(const Row (&rows)[N], const char *from_charset, const char *to_charset) {
     for (const Row &row : rows)
         if (same_charset(row.from_charset, from_charset) && same_charset(row.to_charset, to_charset))
             return &row;
@@ -147,8 +147,34 @@ bool put_direct(output &to, const direct_route &route, std::string_view text) {
     return true;
 }
 
+std::optional<bool> put_by_road(output &to, const EncodingConverter *pair, std::string_view text) {
+    if (!pair || !to.start)
+        return std::nullopt;
+    std::int32_t length = 0;
+    const std::int32_t room = saturate(room_left(to));
+    const verdict answer = convert_by_road(pair->road, text, to.start + to.length, room, length);
+    if (answer == verdict::undecided)
+        return std::nullopt;
+    to.length += answer == verdict::done ? static_cast<std::size_t>(length) : 0;
+    return answer == verdict::done;
+}
+
 bool needs_no_conversion(const char *from_charset, const char *to_charset) {
     return passes_through() || same_charset(from_charset, to_charset);
+}
+
+// The pair's table or the identity of ASCII instead of ICU, where they decide.
+std::optional<std::int32_t> convert_fast(const EncodingConverter *pair, std::string_view text, char *to_buf,
+                                         std::int32_t to_size) {
+    std::int32_t length = 0;
+    switch (pair ? convert_by_road(pair->road, text, to_buf, to_size, length) : verdict::undecided) {
+    case verdict::done:
+        return length;
+    case verdict::full:
+        return copy(text, to_buf, to_size);
+    default:
+        return std::nullopt;
+    }
 }
 
 } // namespace
@@ -160,22 +186,27 @@ std::optional<std::int32_t> convert_buffer(const char *from_charset, const char 
     const std::string_view text = resolve(from_buf, from_len);
     if (from_len == 0 || needs_no_conversion(from_charset, to_charset))
         return copy(text, to_buf, to_size);
-    if (const direct_route *route = find_pair(direct_routes, from_charset, to_charset)) {
+    if (const direct_route *route = find_row(direct_routes, from_charset, to_charset)) {
         output to = output_to(to_buf, to_size);
         route->convert(input_from(text.data(), saturate(text.size())), to);
         return finish(to);
     }
+    if (const auto length = convert_fast(find_pair(from_charset, to_charset), text, to_buf, to_size))
+        return length;
     const lent_converter converter = borrow_converter(from_charset, to_charset);
     if (!converter)
         return std::nullopt;
+    note_conversion(find_pair(from_charset, to_charset)->road, from_charset, to_charset, text.size());
     return convert_by_icu(*converter, text, to_buf, to_size);
 }
 
 bool put_converted(output &to, const char *from_charset, const char *to_charset, std::string_view text) {
     if (text.empty() || needs_no_conversion(from_charset, to_charset))
         return put(to, text);
-    if (const direct_route *route = find_pair(direct_routes, from_charset, to_charset))
+    if (const direct_route *route = find_row(direct_routes, from_charset, to_charset))
         return put_direct(to, *route, text);
+    if (const auto put_fast = put_by_road(to, find_pair(from_charset, to_charset), text))
+        return *put_fast;
     const lent_converter converter = borrow_converter(from_charset, to_charset);
     const utf16_text wide = converter ? to_utf16(*converter, text) : utf16_text{};
     return wide.units ? put_utf16(to, *converter, wide, text) : put(to, text);
@@ -186,7 +217,7 @@ bool put_some_converted(output &to, const char *from_charset, const char *to_cha
         return true;
     if (needs_no_conversion(from_charset, to_charset))
         return put_some(to, text);
-    if (const direct_route *route = find_pair(direct_routes, from_charset, to_charset)) {
+    if (const direct_route *route = find_row(direct_routes, from_charset, to_charset)) {
         route->convert(input_from(text.data(), saturate(text.size())), to);
         return false;
     }
@@ -236,8 +267,10 @@ int32_t ZEL_GetResultBufferSize(const char *from_buf, int32_t from_len, const ch
     const std::size_t bytes = resolve(from_buf, from_len).size();
     if (needs_no_conversion(from_charset, to_charset))
         return saturate(bytes + 1);
-    if (const fixed_size *row = find_pair(fixed_sizes, from_charset, to_charset))
+    if (const fixed_size *row = find_row(fixed_sizes, from_charset, to_charset))
         return saturate(bytes * row->factor + 1);
+    if (const EncodingConverter *pair = find_pair(from_charset, to_charset))
+        return estimate_size(pair, bytes);
     return estimate_size(borrow_converter(from_charset, to_charset).get(), bytes);
 }
 

@@ -6,6 +6,7 @@
 
 #include <unicode/ucnv_err.h>
 
+#include <bit>
 #include <cstring>
 #include <new>
 
@@ -52,6 +53,16 @@ opened_charset open_charset(const char *name) {
     return opened;
 }
 
+std::uint32_t hash_name(std::uint32_t hash, const char *name) {
+    for (; *name; ++name)
+        hash = std::rotl(hash, 5) ^ (static_cast<unsigned char>(*name) | 0x20U);
+    return hash;
+}
+
+std::uint32_t hash_names(const char *from_charset, const char *to_charset) {
+    return hash_name(hash_name(0, from_charset) + 1, to_charset);
+}
+
 unlinked_converter new_converter(const char *from_charset, const char *to_charset) {
     void *memory = xmalloc(sizeof(EncodingConverter));
     if (!memory)
@@ -70,16 +81,10 @@ unlinked_converter new_converter(const char *from_charset, const char *to_charse
     fresh->to_name.reset(strdup(to_charset));
     if (!fresh->from_name || !fresh->to_name)
         return nullptr;
+    fresh->name_hash = hash_names(from_charset, to_charset);
+    prepare_road(fresh->road, from_charset, to_charset, fresh->from_cnv.get(), fresh->to_cnv.get());
     fresh->in_use.store(1, std::memory_order_relaxed);
     return fresh;
-}
-
-EncodingConverter *find_pair(const char *from_charset, const char *to_charset) {
-    EncodingConverter *pair = ZEL_zecCacheHead.load(std::memory_order_acquire);
-    while (pair && !(same_charset(pair->from_name.get(), from_charset) &&
-                     same_charset(pair->to_name.get(), to_charset)))
-        pair = pair->next_pair.load(std::memory_order_acquire);
-    return pair;
 }
 
 EncodingConverter *take_free_instance(EncodingConverter *pair) {
@@ -123,6 +128,15 @@ void discard_pair(EncodingConverter *pair) {
 
 } // namespace
 
+EncodingConverter *find_pair(const char *from_charset, const char *to_charset) {
+    const std::uint32_t hash = hash_names(from_charset, to_charset);
+    EncodingConverter *pair = ZEL_zecCacheHead.load(std::memory_order_acquire);
+    while (pair && !(pair->name_hash == hash && same_charset(pair->from_name.get(), from_charset) &&
+                     same_charset(pair->to_name.get(), to_charset)))
+        pair = pair->next_pair.load(std::memory_order_acquire);
+    return pair;
+}
+
 EncodingConverter *load_encodingconverter(const char *from_charset, const char *to_charset) {
     require_started();
     EncodingConverter *pair = find_pair(from_charset, to_charset);
@@ -160,5 +174,6 @@ void terminate_encodingconverter(void) {
             pair = next;
         }
     }
+    release_tables();
     PR_DestroyRWLock(encodingconverter_lock);
 }

@@ -8,6 +8,7 @@
 #pragma once
 
 #include "zel/base/owned.h"
+#include "zel/conversion/fast_road.h"
 
 #include <unicode/ucnv.h>
 
@@ -25,9 +26,15 @@ struct EncodingConverter {
     std::atomic<std::int32_t> in_use;
     heap_string from_name;
     heap_string to_name;
+    std::uint32_t name_hash;    // of both names, their case folded, which spares most comparisons
     std::int32_t min_char_size; // bytes a character of the source at least
     std::int32_t max_char_size; // bytes a UTF-16 unit at most in the target
+    fast_road road;             // of the pair; in its first record alone
 };
+
+// The first record of the pair, not borrowed: for what does not touch its converters. Null for a pair not yet
+// met.
+EncodingConverter *find_pair(const char *from_charset, const char *to_charset);
 
 EncodingConverter *load_encodingconverter(const char *from_charset, const char *to_charset);
 void unload_encodingconverter(EncodingConverter *converter);

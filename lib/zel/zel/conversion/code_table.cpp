@@ -1,0 +1,152 @@
+#include "zel/conversion/code_table.h"
+
+#include "zel/base/ascii_run.h"
+#include "zel/base/charset_names.h"
+#include "zel/conversion/converter_cache.h"
+
+#include <unicode/ucnv_err.h>
+#include <unicode/utf16.h>
+
+#include <string_view>
+
+namespace zel {
+namespace {
+
+// A charset whose characters ICU is asked for one by one. What surrounds them in a text of states comes with
+// them.
+struct probe {
+    icu_converter cnv;
+    std::string_view before; // bytes that enter the set of two-byte characters
+    std::string_view behind; // bytes that leave it
+};
+
+constexpr std::string_view enter_kanji = "\x1B$B";
+constexpr std::string_view leave_kanji = "\x1B(B";
+
+bool is_without_states(const UConverter *cnv) {
+    switch (ucnv_getType(cnv)) {
+    case UCNV_SBCS:
+    case UCNV_MBCS:
+    case UCNV_LATIN_1:
+    case UCNV_US_ASCII:
+        return true;
+    default:
+        return false;
+    }
+}
+
+probe open_probe(const char *charset) {
+    UErrorCode status = U_ZERO_ERROR;
+    probe opened = {icu_converter(ucnv_open(charset, &status)), "", ""};
+    if (U_FAILURE(status))
+        return {};
+    if (same_charset(charset, ianaISO2022JP)) {
+        opened.before = enter_kanji;
+        opened.behind = leave_kanji;
+    } else if (!is_without_states(opened.cnv.get())) {
+        return {};
+    }
+    ucnv_setToUCallBack(opened.cnv.get(), UCNV_TO_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &status);
+    ucnv_setFromUCallBack(opened.cnv.get(), UCNV_FROM_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &status);
+    return U_FAILURE(status) ? probe{} : std::move(opened);
+}
+
+constexpr std::int32_t longest_probe = 16;
+
+// The character that the bytes are, where they are just one, of the Basic Multilingual Plane, and no NUL.
+UChar character_of(const probe &from, std::string_view bytes, UErrorCode &status) {
+    UChar units[longest_probe];
+    status = U_ZERO_ERROR;
+    const std::int32_t length = ucnv_toUChars(from.cnv.get(), units, longest_probe, bytes.data(),
+                                              static_cast<std::int32_t>(bytes.size()), &status);
+    return U_SUCCESS(status) && length == 1 && !U16_IS_SURROGATE(units[0]) ? units[0] : UChar{0};
+}
+
+UChar pair_character(const probe &from, unsigned char lead, unsigned char trail) {
+    char bytes[longest_probe];
+    std::size_t length = from.before.copy(bytes, from.before.size());
+    bytes[length++] = static_cast<char>(lead);
+    bytes[length++] = static_cast<char>(trail);
+    length += from.behind.copy(bytes + length, from.behind.size());
+    UErrorCode status;
+    return character_of(from, {bytes, length}, status);
+}
+
+charset_code code_of(const probe &to, UChar character) {
+    char bytes[longest_probe];
+    UErrorCode status = U_ZERO_ERROR;
+    const std::int32_t length = ucnv_fromUChars(to.cnv.get(), bytes, longest_probe, &character, 1, &status);
+    std::string_view code(bytes, U_SUCCESS(status) ? static_cast<std::size_t>(length) : 0);
+    if (code.size() == 1)
+        return static_cast<unsigned char>(code[0]);
+    if (code.size() != to.before.size() + 2 + to.behind.size() ||
+        code.substr(0, to.before.size()) != to.before)
+        return 0;
+    code.remove_prefix(to.before.size());
+    return static_cast<charset_code>(static_cast<unsigned char>(code[0]) << 8 |
+                                     static_cast<unsigned char>(code[1]));
+}
+
+utf8_character in_utf8(UChar character) {
+    const auto tail = [](unsigned bits) { return static_cast<unsigned char>(0x80 | (bits & 0x3F)); };
+    if (character == 0)
+        return {};
+    if (character < 0x80)
+        return {{static_cast<unsigned char>(character)}, 1};
+    if (character < 0x800)
+        return {{static_cast<unsigned char>(0xC0 | character >> 6), tail(character)}, 2};
+    return {{static_cast<unsigned char>(0xE0 | character >> 12), tail(character >> 6U), tail(character)}, 3};
+}
+
+void take_pairs(code_table &table, const probe &from, unsigned char lead) {
+    utf8_character *row = &table.pairs[(lead & 0x7F) << 8];
+    const bool seven_bit = !from.before.empty();
+    for (unsigned trail = seven_bit ? 0x21 : 0x30; trail < (seven_bit ? 0x7F : 0xFF); ++trail)
+        row[trail] = in_utf8(pair_character(from, lead, static_cast<unsigned char>(trail)));
+}
+
+void take_bytes(code_table &table, const probe &from) {
+    for (unsigned value = 1; value < 256; ++value) {
+        const auto byte = static_cast<char>(value);
+        UErrorCode status;
+        const UChar character = character_of(from, {&byte, 1}, status);
+        table.singles[value] = in_utf8(character);
+        table.leads[value] = from.before.empty()
+                                 ? status == U_TRUNCATED_CHAR_FOUND && value >= first_lead_byte
+                                 : value >= 0x21 && value < 0x7F;
+        if (table.leads[value])
+            take_pairs(table, from, static_cast<unsigned char>(value));
+    }
+}
+
+void take_codes(code_table &table, const probe &to) {
+    for (unsigned value = 1; value < 0x10000; ++value)
+        if (!U16_IS_SURROGATE(value))
+            table.codes[value] = code_of(to, static_cast<UChar>(value));
+}
+
+bool keeps_printable_ascii(const code_table &table) {
+    for (unsigned value = 0; value < 0x80; ++value) {
+        const bool is_kept = table.singles[value].length == 1 && table.singles[value].bytes[0] == value &&
+                             table.codes[value] == value;
+        if (is_printable_ascii(static_cast<unsigned char>(value)) && !is_kept)
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+owned_code_table build_code_table(const char *charset) {
+    const probe asked = open_probe(charset);
+    if (!asked.cnv)
+        return nullptr;
+    owned_code_table table(static_cast<code_table *>(std::calloc(1, sizeof(code_table))));
+    if (!table)
+        return nullptr;
+    take_bytes(*table, asked);
+    take_codes(*table, asked);
+    return keeps_printable_ascii(*table) ? std::move(table) : nullptr;
+}
+
+} // namespace zel

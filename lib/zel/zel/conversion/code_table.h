@@ -1,0 +1,39 @@
+// What ICU does with the characters of one charset, taken once and laid out flat: bytes to UTF-8 and Unicode
+// to bytes, one read a character. A table decides only what ICU converts both alone and without error: a
+// character of one or two bytes that is a single one of the Basic Multilingual Plane. All else is undecided,
+// and is left to ICU.
+//
+// Invariant: constant once it is built; at most 400 KiB.
+
+#pragma once
+
+#include "zel/base/owned.h"
+
+#include <array>
+
+namespace zel {
+
+struct utf8_character {
+    std::array<unsigned char, 3> bytes;
+    unsigned char length; // 0: undecided
+};
+
+// A character in the charset: one byte as it is, two as a number with the lead byte high. 0: undecided.
+using charset_code = std::uint16_t;
+
+constexpr unsigned char first_lead_byte = 0x80;
+
+struct code_table {
+    std::array<utf8_character, 256> singles;
+    std::array<bool, 256> leads;
+    std::array<utf8_character, 128 * 256> pairs; // by lead byte from 0x80 on, then by trail byte
+    std::array<charset_code, 65536> codes;       // by code point
+};
+
+using owned_code_table = owned<code_table, &std::free>;
+
+// Null where ICU does not know the charset, where its text has states or ASCII is not the identity in it, and
+// where there is no memory.
+owned_code_table build_code_table(const char *charset);
+
+} // namespace zel
