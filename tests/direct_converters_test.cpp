@@ -57,6 +57,7 @@ TEST(DirectConverters, decode_japanese_through_all_its_modes) {
         {jis2eucjp, "\x0E\x31\x0F\x41", "\x8E\xB1\x41"},
         {jis2eucjp, "\x1B$B\x0E\x31\x0F\x30!", "\x8E\xB1\xB0\xA1"},
         {jis2eucjp, "\x1B$B\x0E\x31\n\x0F\x30!", "\x8E\xB1\n0!"},
+        {jis2eucjp, "\x1B$B\x0E\x0F\n\x0F\x30!", "\n\xB0\xA1"},
         {jis2eucjp, "\x0F\x41", "A"},
         {jis2eucjp, "\x1B$B0!\nA", "\xB0\xA1\nA"},
         {jis2eucjp, "\x1B$B0\n !", "\xB0\x8A\xA0\xA1"},
@@ -78,7 +79,7 @@ TEST(DirectConverters, decode_korean_and_hz_by_their_runs) {
         {hz2gb, "~{0!~}A", "\xB0\xA1\x41"},
         {hz2gb, "~~~\n~A~", "~~A~"},
         {hz2gb, "~{", ""},
-        {hz2gb, "~{\n0~~!", "\x8A\xB0\xFE\xFE\xA1\x80"},
+        {hz2gb, "~{\n0~~~\n!", "\x8A\xB0\xFE\xFE\xFE\x8A\xA1\x80"},
     });
 }
 
@@ -86,9 +87,9 @@ TEST(DirectConverters, map_chinese_characters_one_for_one) {
     expect_rows({
         {big2gb, "\xB0\xEA\x41\x90", "\xB9\xFA\x41\x90"},
         {big2gb, "\xC7\x40\xFA\x40\xF9\xFE\xA1\x20", "????????"},
-        {big2gb, "\xB0", "??"},
+        {big2gb, "\xA4\x7F\xA4\xA0\xA4\xFF\xB0", "????????"},
         {gb2big5, "\xB9\xFA\x41\x90", "\xB0\xEA\x41\x90"},
-        {gb2big5, "\xF8\xA1\xA4\xA1\xA1\x20", "??????"},
+        {gb2big5, "\xF8\xA1\xA4\xA1\xA1\x20\xA1\xA0", "????????"},
         {gb2big5, "\xA3\x80", converted(gb2big5, "\xA2\xDE")},
     });
 }

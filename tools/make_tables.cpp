@@ -42,11 +42,12 @@ constexpr code first_lead = 0xA1;
 code lead_of(code pair) {
     return pair >> 8;
 }
+
 code trail_of(code pair) {
     return pair & 0xFF;
 }
 
-// A double-byte charset of leads from 0xA1 on, as ICU knows it. Private-use cells are vendors' inventions.
+// A double-byte charset of leads from 0xA1 on, as ICU knows it. A private-use cell holds no character.
 class charset {
 public:
     charset(const char *name, code last_lead) {
@@ -297,11 +298,13 @@ int main(int argc, char **argv) {
     const std::string directory = std::string(argv[argc - 1]) + '/';
     const tables made = table_maker().make();
     for (const auto &[form, map] :
-         {std::pair(big5_layout, made.big5_to_gb), std::pair(gb_layout, made.gb_to_big5)})
-        if (const std::string text = source_text(form, map); !check)
-            write(directory + form.file, text);
+         {std::pair(big5_layout, made.big5_to_gb), std::pair(gb_layout, made.gb_to_big5)}) {
+        const std::string path = directory + form.file;
+        const std::string text = source_text(form, map);
+        if (check)
+            require(content_of(path) == text, path + " is not what this ICU gives");
         else
-            require(content_of(directory + form.file) == text,
-                    std::string(form.file) + " is not what it would be");
+            write(path, text);
+    }
     report(made);
 }

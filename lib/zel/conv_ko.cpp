@@ -17,7 +17,7 @@ constexpr std::string_view designation = "\x1B$)C";
 enum class state { UNDESIGNATED, ASCII, KOREAN };
 
 bool take_designation(input &from) {
-    if (left(from) < designation.size() || std::memcmp(from.at, designation.data(), designation.size()) != 0)
+    if (!std::string_view(reinterpret_cast<const char *>(from.at), left(from)).starts_with(designation))
         return false;
     from.at += designation.size();
     return true;
