@@ -1,5 +1,6 @@
-// Runs of printable ASCII, sixteen bytes a step. Nearly all text of the field holds long ones, in whatever
-// charset; the controls are left out because some charsets read ESC, SO, SI or DEL in ways of their own.
+// Runs of ASCII, sixteen bytes a step. Nearly all text of the field holds long ones, in whatever charset.
+// Where a charset reads some controls in ways of its own (ESC, SO and SI, or DEL), the run is one of
+// printable ASCII alone.
 //
 // Invariant: nothing is read behind from_end, nothing is written behind to_end; what a step writes behind the
 // run that it copied is overwritten by what follows or left as slack within the buffer.
@@ -20,41 +21,86 @@ struct byte_pass {
     unsigned char *to_end;
 };
 
-constexpr bool is_printable_ascii(unsigned char byte) {
-    return byte >= 0x20 && byte < 0x7F;
+inline std::size_t left(const byte_pass &pass) {
+    return static_cast<std::size_t>(pass.from_end - pass.from);
 }
 
-constexpr std::size_t ascii_step = 16;
+inline std::size_t room(const byte_pass &pass) {
+    return static_cast<std::size_t>(pass.to_end - pass.to);
+}
+
+enum class ascii_run { whole, printable };
+
+template <ascii_run Run>
+constexpr bool belongs_to(unsigned char byte) {
+    return Run == ascii_run::whole ? byte < 0x80 : byte >= 0x20 && byte < 0x7F;
+}
+
+inline constexpr std::size_t ascii_step = 16;
 
 // The vector types of the compilers: SSE2, NEON, or plain words where there is neither.
 using signed_bytes = signed char __attribute__((vector_size(ascii_step)));
 using flag_words = std::uint64_t __attribute__((vector_size(ascii_step)));
 
-// How many of sixteen bytes come before the first that is no printable ASCII. High bytes are negative.
-inline std::size_t printable_prefix(signed_bytes bytes) {
-    const auto others = reinterpret_cast<flag_words>((bytes < 0x20) | (bytes == 0x7F));
-    if (!(others[0] | others[1]))
-        return ascii_step;
+inline signed_bytes load_bytes(const unsigned char *from) {
+    signed_bytes bytes;
+    std::memcpy(&bytes, from, sizeof bytes);
+    return bytes;
+}
+
+// High bytes are negative.
+template <ascii_run Run>
+flag_words others_among(signed_bytes bytes) {
+    if constexpr (Run == ascii_run::whole)
+        return reinterpret_cast<flag_words>(bytes < 0);
+    else
+        return reinterpret_cast<flag_words>((bytes < 0x20) | (bytes == 0x7F));
+}
+
+inline std::size_t first_flag(flag_words others) {
     const std::size_t word = others[0] ? 0 : 1;
     const int bits = std::endian::native == std::endian::little ? std::countr_zero(others[word])
                                                                 : std::countl_zero(others[word]);
     return word * 8 + static_cast<std::size_t>(bits) / 8;
 }
 
-// Copies printable ASCII until another byte, the end of the text or the end of the room.
-inline void copy_printable(byte_pass &pass) {
-    while (pass.from_end - pass.from >= static_cast<std::ptrdiff_t>(ascii_step) &&
-           pass.to_end - pass.to >= static_cast<std::ptrdiff_t>(ascii_step)) {
-        signed_bytes bytes;
-        std::memcpy(&bytes, pass.from, sizeof bytes);
-        std::memcpy(pass.to, &bytes, sizeof bytes);
-        const std::size_t prefix = printable_prefix(bytes);
-        pass.from += prefix;
-        pass.to += prefix;
-        if (prefix < ascii_step)
+// Steps of four while there is nothing else; true if another byte is near.
+template <ascii_run Run>
+void copy_long_run(byte_pass &pass) {
+    constexpr std::size_t steps = 4;
+    while (left(pass) >= steps * ascii_step && room(pass) >= steps * ascii_step) {
+        flag_words others = {};
+        for (std::size_t step = 0; step < steps; ++step)
+            others |= others_among<Run>(load_bytes(pass.from + step * ascii_step));
+        if (others[0] | others[1])
             return;
+        std::memcpy(pass.to, pass.from, steps * ascii_step);
+        pass.from += steps * ascii_step;
+        pass.to += steps * ascii_step;
     }
-    while (pass.from != pass.from_end && pass.to != pass.to_end && is_printable_ascii(*pass.from))
+}
+
+// Copies the run until another byte, the end of the text or the end of the room.
+template <ascii_run Run>
+void copy_run(byte_pass &pass) {
+    bool is_long = false;
+    while (left(pass) >= ascii_step && room(pass) >= ascii_step) {
+        const signed_bytes bytes = load_bytes(pass.from);
+        std::memcpy(pass.to, &bytes, sizeof bytes);
+        const flag_words others = others_among<Run>(bytes);
+        if (others[0] | others[1]) {
+            const std::size_t prefix = first_flag(others);
+            pass.from += prefix;
+            pass.to += prefix;
+            return;
+        }
+        pass.from += ascii_step;
+        pass.to += ascii_step;
+        if (is_long)
+            copy_long_run<Run>(pass);
+        is_long = true;
+    }
+    while (left(pass) && room(pass) && belongs_to<Run>(*pass.from))
         *pass.to++ = *pass.from++;
 }
 

@@ -106,6 +106,7 @@ void take_pairs(code_table &table, const probe &from, unsigned char lead) {
 }
 
 void take_bytes(code_table &table, const probe &from) {
+    table.single_byte = true;
     for (unsigned value = 1; value < 256; ++value) {
         const auto byte = static_cast<char>(value);
         UErrorCode status;
@@ -114,8 +115,10 @@ void take_bytes(code_table &table, const probe &from) {
         table.leads[value] = from.before.empty()
                                  ? status == U_TRUNCATED_CHAR_FOUND && value >= first_lead_byte
                                  : value >= 0x21 && value < 0x7F;
-        if (table.leads[value])
+        if (table.leads[value]) {
+            table.single_byte = false;
             take_pairs(table, from, static_cast<unsigned char>(value));
+        }
     }
 }
 
@@ -125,13 +128,16 @@ void take_codes(code_table &table, const probe &to) {
             table.codes[value] = code_of(to, static_cast<UChar>(value));
 }
 
-bool keeps_printable_ascii(const code_table &table) {
-    for (unsigned value = 0; value < 0x80; ++value) {
-        const bool is_kept = table.singles[value].length == 1 && table.singles[value].bytes[0] == value &&
-                             table.codes[value] == value;
-        if (is_printable_ascii(static_cast<unsigned char>(value)) && !is_kept)
+bool keeps(const code_table &table, unsigned char byte) {
+    const utf8_character &single = table.singles[byte];
+    return single.length == 1 && single.bytes[0] == byte && table.codes[byte] == byte;
+}
+
+// A NUL stands for itself in every charset that all other ASCII does.
+bool keeps_ascii(const code_table &table, unsigned first, unsigned last) {
+    for (unsigned byte = first; byte <= last; ++byte)
+        if (!keeps(table, static_cast<unsigned char>(byte)))
             return false;
-    }
     return true;
 }
 
@@ -146,7 +152,8 @@ owned_code_table build_code_table(const char *charset) {
         return nullptr;
     take_bytes(*table, asked);
     take_codes(*table, asked);
-    return keeps_printable_ascii(*table) ? std::move(table) : nullptr;
+    table->keeps_ascii = keeps_ascii(*table, 0x01, 0x7F);
+    return keeps_ascii(*table, ' ', '~') ? std::move(table) : nullptr;
 }
 
 } // namespace zel

@@ -24,6 +24,8 @@ using charset_code = std::uint16_t;
 constexpr unsigned char first_lead_byte = 0x80;
 
 struct code_table {
+    bool keeps_ascii; // all 128, so that nothing but high bytes needs the table
+    bool single_byte; // no byte leads another
     std::array<utf8_character, 256> singles;
     std::array<bool, 256> leads;
     std::array<utf8_character, 128 * 256> pairs; // by lead byte from 0x80 on, then by trail byte
