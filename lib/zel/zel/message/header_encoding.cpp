@@ -82,6 +82,8 @@ constexpr word_measure measure_ko_zh = {13, 0, 34, 33};
 constexpr std::size_t longest_run =
     64; // no run of more than 53 bytes is ever one word, so none is measured further
 
+constexpr std::size_t longest_character = 8; // with what switches its set on and off
+
 bool is_high(char byte) {
     return byte & 0x80;
 }
@@ -200,8 +202,10 @@ void put_value(const header_value &value, output &to) {
     }
 }
 
-// At most this many bytes, terminator included, for a value that converts to at most `converted` bytes.
+// At most this many bytes, terminator included, for a value whose conversion is sized as `converted` bytes.
+// That size leaves out a character that the end of the text cuts off.
 std::uint64_t bound_q_words(const header_value &value, std::uint64_t converted) {
+    converted += longest_character;
     const std::uint64_t words = converted / (line_limit / 3) + 1;
     return converted * 3 + words * (std::strlen(value.charset) + word_frame + fold_length) + 1;
 }
@@ -220,9 +224,8 @@ std::uint64_t bound_b_words(const header_value &value, std::uint64_t converted) 
     const std::uint64_t bytes = value.text.size();
     const std::uint64_t words = count_runs(value.text) + bytes / measure_ja.longest_piece + 1;
     const std::uint64_t frame = std::strlen(value.charset) + word_frame + fold_length;
-    const std::uint64_t escaped =
-        words * 8; // what a word adds for switching its set on and off, and for padding
-    if (value.how == encoding::b_words_ja) // broken text may switch within a word
+    const std::uint64_t escaped = words * longest_character; // a word switches sets, and is padded
+    if (value.how == encoding::b_words_ja)                   // broken text may switch within a word
         converted = std::max(converted, bytes * 8);
     return bytes + bytes / 20 + words * frame + (converted + escaped) / 3 * 4 + 1;
 }

@@ -1,0 +1,198 @@
+// Header values on their way out: the wire form byte for byte, its size, and what becomes of buffers that are
+// too small for it.
+
+#include "support.h"
+#include "wire.h"
+
+namespace {
+
+// Calls the encoder with a text that ends at its terminator and that has to be as before afterwards.
+auto encoder_of(const char *language, const char *from_charset, const std::string &value) {
+    return [=](char *to_buf, int32_t to_size) {
+        const exact_buffer text = exact_string(value);
+        const int32_t length =
+            ZEL_LocalToInternetMessageHeader(language, from_charset, text.data(), to_buf, to_size);
+        EXPECT_EQ(text.text(), value);
+        return length;
+    };
+}
+
+std::string encoded(const char *language, const char *from_charset, const std::string &value) {
+    return in_two_calls(encoder_of(language, from_charset, value));
+}
+
+// Plain text may stop anywhere, a word behind its end, and a fold only with something behind it.
+bool is_word_end(const std::string &written, const std::string &) {
+    const std::size_t opening = std::max(written.rfind("?Q?") + 1, written.rfind("?B?") + 1);
+    const bool folded = written.ends_with("\r\n ") || written.ends_with("\r\n\t");
+    return !folded && (opening == 0 || written.find("?=", opening + 2) != std::string::npos);
+}
+
+struct row {
+    const char *language, *from_charset;
+    std::string text, wire;
+};
+
+void expect_rows(const std::vector<row> &rows) {
+    for (const auto &[language, from_charset, text, wire] : rows) {
+        SCOPED_TRACE(text);
+        EXPECT_EQ(encoded(language, from_charset, text), wire);
+        expect_whole_units(encoder_of(language, from_charset, text), wire, is_word_end, 90);
+    }
+}
+
+TEST(HeaderEncoding, plain_text_and_text_of_no_known_language_go_out_as_they_are) {
+    start_library();
+    const std::string line(200, 'x');
+    expect_rows({{"ja", "UTF-8", line, line},
+                 {"de", "UTF-8", " =x?= ", " =x?= "},
+                 {nullptr, "UTF-8", "\xE9 x", "\xE9 x"},
+                 {"", "UTF-8", "\xE9", "\xE9"},
+                 {"en-US", "nonsense", "\xE9\r\n\xE9", "\xE9\r\n\xE9"}});
+    EXPECT_EQ(encoder_of("ja", "UTF-8", line)(nullptr, -1), 201);
+}
+
+TEST(HeaderEncoding, no_text_is_an_empty_value) {
+    start_library();
+    for (const exact_buffer &empty : {exact_buffer(std::size_t{0}), exact_string("")}) {
+        const exact_buffer to(1);
+        char *text = empty.size() ? empty.data() : nullptr;
+        EXPECT_EQ(ZEL_UTF8ToInternetMessageHeader("ja", text, to.data(), -1), 0);
+        EXPECT_TRUE(to.untouched());
+        EXPECT_EQ(ZEL_UTF8ToInternetMessageHeader("ja", text, to.data(), 1), 0);
+        EXPECT_EQ(to.text(), "");
+    }
+}
+
+TEST(HeaderEncoding, most_languages_turn_the_whole_value_into_q_words) {
+    start_library();
+    const std::string word = "=?iso-8859-15?Q?" + repeated("=E9", 20) + "?=\r\n";
+    expect_rows({{"de", "iso-8859-1",
+                  "Gr\xFC\xDF"
+                  "e aus K\xF6ln",
+                  "=?iso-8859-15?Q?Gr=FC=DFe_aus_K=F6ln?="},
+                 {"en", "UTF-8", "a\t(\xE2\x82\xAC)\nb", "=?iso-8859-15?Q?a_=28=A4=29\r\nb?="},
+                 {"zh", "gb2312", "\xD6\xD0 a", "=?gb2312?Q?=D6=D0_a?="},
+                 {"yi", "utf-8", "\xD7\x99", "=?utf-8?Q?=D7=99?="},
+                 {"fr", "iso-8859-15", repeated("\xE9", 20), word},
+                 {"fr", "iso-8859-15", repeated("\xE9", 21), word + "\t=?iso-8859-15?Q?=E9?="},
+                 {"de", "nonsense", "\xE9", "=?iso-8859-15?Q?=E9?="}});
+}
+
+TEST(HeaderEncoding, japanese_runs_become_b_words_amid_plain_text) {
+    start_library();
+    const std::string eight = "=?iso-2022-jp?B?GyRCJCIkIiQiJCIkIiQiJCIkIhsoQg==?=";
+    const std::string thirteen = "=?iso-2022-jp?B?GyRCJCIkIiQiJCIkIiQiJCIkIiQiJCIkIiQiJCIbKEI=?=";
+    const std::string letters(40, 'a');
+    expect_rows(
+        {{"ja", "UTF-8", "Hello 日本語", "Hello =?iso-2022-jp?B?GyRCRnxLXDhsGyhC?="},
+         {"ja", "utf-8", "あ あ", "=?iso-2022-jp?B?GyRCJCIbKEI=?= =?iso-2022-jp?B?GyRCJCIbKEI=?="},
+         {"ja", "UTF-8", repeated("あ", 13), thirteen},
+         {"ja", "UTF-8", repeated("あ", 14), eight + "\r\n =?iso-2022-jp?B?GyRCJCIkIiQiJCIkIiQiGyhC?="},
+         {"ja", "euc-jp", repeated("\xA4\xA2", 13), thirteen},
+         {"ja", "UTF-8", letters + " " + repeated("あ", 13) + "b", letters + " \r\n " + thirteen + "b"},
+         {"ja", "Shift_JIS", repeated("\x82\xA0", 13) + "\xB1",
+          "=?iso-2022-jp?B?GyRCJCIkIiQiJCIkIiQiJCIkIiQiJCIkIiQiGyhC?=\r\n "
+          "=?iso-2022-jp?B?GyRCJCIbKEIa?="},
+         {"ja", "nonsense", "\xA4\xA2 \xA4\xA4", "=?iso-2022-jp?B?pKI=?= =?iso-2022-jp?B?pKQ=?="}});
+}
+
+TEST(HeaderEncoding, a_cut_counts_bytes_and_may_leave_a_low_trail_byte_as_plain_text) {
+    start_library();
+    expect_rows({{"ja", "Shift_JIS", "\xB1" + repeated("\x83\\", 13),
+                  "=?iso-2022-jp?B?GhskQiU9JT0lPSU9JT0lPSU9JT0lPSU9JT0bKEIa?=\r\n "
+                  "\\=?iso-2022-jp?B?GyRCJT0bKEI=?="}});
+}
+
+TEST(HeaderEncoding, korean_and_chinese_runs_become_b_words_of_their_own_length) {
+    start_library();
+    const std::string ko = "=?euc-kr?B?", b0 = "sLCwsLCwsLCwsLCwsLCwsLCwsLCwsLCwsLCwsLCwsL", fold = "\r\n ";
+    expect_rows(
+        {{"ko", "EUC-KR", repeated("\xB0", 35), ko + b0 + "CwsLA=?="},
+         {"ko", "EUC-KR", repeated("\xB0", 36), ko + b0 + "CwsA==?=" + fold + ko + "sLA=?="},
+         {"ko", "UTF-8", repeated("가", 17), ko + repeated("sKGwobCh", 5) + "sKGwoQ==?="},
+         {"ko", "UTF-8", repeated("가", 18),
+          ko + repeated("sKGwobCh", 3) + "sKGwoQ==?=" + fold + ko + repeated("sKGwobCh", 2) + "sKE=?="},
+         {"zh-CN", "UTF-8", "a中", "a=?gb2312?B?1tA=?="},
+         {"zh_CN", "gb2312", "\xD6\xD0", "=?gb2312?B?1tA=?="},
+         {"zh-TW", "big5", "\xA4@\xA4", "=?big5?B?pECk?="},
+         {"zh_TW", "big5", "\xA4@", "=?big5?B?pA==?=@"},
+         {"zh-TW", "UTF-8", "中@", "=?big5?B?pKQ=?=@"}});
+}
+
+TEST(HeaderEncoding, plain_text_is_folded_behind_column_60_at_a_blank_which_is_repeated) {
+    start_library();
+    const std::string sixty(60, 'a'), han = "한", word = "=?euc-kr?B?x9E=?=";
+    expect_rows({{"ko", "UTF-8", sixty + " abc" + han, sixty + " \r\n abc" + word},
+                 {"ko", "UTF-8", sixty + "\tabc" + han, sixty + "\t\r\n\tabc" + word},
+                 {"ko", "UTF-8", sixty + sixty + han, sixty + sixty + "\r\n " + word},
+                 {"ko", "UTF-8", sixty.substr(3) + "\r\na b" + han, sixty.substr(3) + "\r\na \r\n b" + word},
+                 {"ko", "UTF-8", han + sixty + " ", word + sixty + " \r\n "}});
+}
+
+TEST(HeaderEncoding, the_size_is_the_formula_where_that_is_enough) {
+    start_library();
+    for (const auto &[language, charset] : {std::pair{"de", "iso-8859-15"}, {"ja", "iso-2022-jp"}}) {
+        const std::string text(500, 'x'), value = text + "\xC3\xA9";
+        const int32_t converted = ZEL_GetResultBufferSize(value.c_str(), -1, "UTF-8", charset);
+        EXPECT_EQ(encoder_of(language, "UTF-8", value)(nullptr, -1),
+                  4 * converted + static_cast<int32_t>(std::string(charset).size()) + 8);
+    }
+}
+
+TEST(HeaderEncoding, a_host_that_asks_for_the_size_loses_nothing) {
+    start_library();
+    const struct {
+        const char *language, *from_charset;
+        std::string text;
+    } rows[] = {{"ja", "UTF-8", repeated("日a", 10000)},
+                {"ja", "UTF-8", "日"},
+                {"pl", "UTF-8", repeated("ł", 4999)},
+                {"el", "iso-8859-7", repeated("\xE1", 4999)},
+                {"ko", "euc-kr", repeated("\xB0\xA1x", 10000)},
+                {"zh-TW", "UTF-8", repeated("臺 ", 10000)},
+                {"th", "tis-620", "\xA1"}};
+    for (const auto &row : rows) {
+        const std::string wire = encoded(row.language, row.from_charset, row.text);
+        const exact_buffer received = exact_string(wire), decoded(wire.size() * 3);
+        ZEL_InternetMessageHeaderToLocal(row.language, received.data(), row.from_charset, decoded.data(),
+                                         decoded.length());
+        EXPECT_EQ(decoded.text(), row.text);
+    }
+}
+
+TEST(HeaderEncoding, ten_megabytes_take_linear_time) {
+    start_library();
+    const exact_buffer to(40 << 20);
+    for (const char *language : {"de", "ja", "ko", "zh-TW"}) {
+        std::string text = repeated("\xB0\xA1", 5 << 20);
+        const int32_t length =
+            ZEL_LocalToInternetMessageHeader(language, "euc-kr", text.data(), to.data(), to.length());
+        EXPECT_GT(length, 10 << 20);
+        EXPECT_EQ(to.bytes().find('\0'), static_cast<std::size_t>(length));
+    }
+}
+
+TEST(HeaderEncoding, hostile_values_are_encoded_whole_and_left_as_they_were) {
+    start_library();
+    hostile_source hostile;
+    for (int round = 0; round < 3000 && !HasFailure(); ++round) {
+        const std::string language = hostile.language(), charset = hostile.charset(), text = hostile.text();
+        SCOPED_TRACE(language + " " + charset + " " + testing::PrintToString(text));
+        expect_enough(encoder_of(language.c_str(), charset.c_str(), text), hostile);
+    }
+}
+
+TEST(HeaderEncoding, words_carry_the_bytes_of_the_text_where_nothing_is_converted) {
+    start_library();
+    gf_ZELStatus = ZEL_STATUS_PASSTHROUGH;
+    EXPECT_EQ(encoded("de", "UTF-8", "é"), "=?iso-8859-15?Q?=C3=A9?=");
+    EXPECT_EQ(encoded("ja", "UTF-8", "x é"), "x =?iso-2022-jp?B?w6k=?=");
+}
+
+TEST(HeaderEncoding, stops_the_process_before_the_start) {
+    for (const char *value : {"", "x"})
+        EXPECT_DEATH(encoded("de", "UTF-8", value), "gf_ZELStatus != ZEL_STATUS_NOT_INITIALIZED");
+}
+
+} // namespace
