@@ -1,36 +1,24 @@
 // The 7-bit test and the repair of double-byte text, on exact-size heap blocks. Neither needs a started
 // library.
 
-#include "zel.h"
-
-#include <gtest/gtest.h>
-
-#include <cstring>
-#include <memory>
-#include <string>
+#include "support.h"
 
 namespace {
 
-std::unique_ptr<char[]> exact_copy(const std::string &text) {
-    auto copy = std::make_unique<char[]>(text.size() + 1);
-    std::memcpy(copy.get(), text.c_str(), text.size() + 1);
-    return copy;
-}
-
 std::string repaired(const char *charset, const std::string &text) {
-    const auto copy = exact_copy(text);
-    ZEL_CheckStringValidity(charset, copy.get());
-    return copy.get();
+    const exact_buffer copy = exact_string(text);
+    ZEL_CheckStringValidity(charset, copy.data());
+    return copy.text();
 }
 
 TEST(StringValidity, one_high_byte_anywhere_makes_a_string_8_bit) {
     EXPECT_TRUE(ZEL_IsASCIIString(nullptr));
     for (std::size_t len = 0; len <= 70; ++len) {
-        EXPECT_TRUE(ZEL_IsASCIIString(exact_copy(std::string(len, '\x7F')).get()));
+        EXPECT_TRUE(ZEL_IsASCIIString(exact_string(std::string(len, '\x7F')).data()));
         for (std::size_t place = 0; place < len; ++place) {
             std::string text(len, 'a');
             text[place] = '\x80';
-            EXPECT_FALSE(ZEL_IsASCIIString(exact_copy(text).get())) << place << " of " << len;
+            EXPECT_FALSE(ZEL_IsASCIIString(exact_string(text).data())) << place << " of " << len;
         }
     }
 }

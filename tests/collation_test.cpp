@@ -1,0 +1,66 @@
+// Comparison by collation, its fallback on the bytes, and header values.
+
+#include "support.h"
+
+namespace {
+
+int32_t compare_headers(const char *language, const std::string &first, const std::string &second) {
+    const exact_buffer one = exact_string(first), other = exact_string(second);
+    return ZEL_CompareMessageHeaderStrings(language, "UTF-8", one.data(), other.data());
+}
+
+TEST(Collation, sorts_as_a_reader_of_the_language_does) {
+    const struct {
+        const char *locale, *charset, *first, *second;
+        int32_t order;
+    } rows[] = {{"de", "UTF-8", "Äpfel", "Birnen", -1},
+                {"sv", "UTF-8", "Äpplen", "Zebra", 1},
+                {"de-AT", "iso-8859-1", "\xC4pfel", "Birnen", -1},
+                {"en", "UTF-8", "abc", "ABC", -1},
+                {"en", "UTF-8", "\u00e9", "e\u0301", 0},
+                {"ja", "Shift_JIS", "\x82\xa0", "\x82\xa2", -1},
+                {"en", nullptr, "a", "B", -1},
+                {"en", "", "b", "A", 1}};
+    for (const auto &row : rows)
+        EXPECT_EQ(ZEL_CompareStrings(row.locale, row.charset, row.first, row.second), row.order) << row.first;
+}
+
+TEST(Collation, puts_null_before_any_string_whatever_the_charset) {
+    EXPECT_EQ(ZEL_CompareStrings("en", "no such", nullptr, nullptr), 0);
+    EXPECT_EQ(ZEL_CompareStrings("en", "no such", nullptr, ""), -1);
+    EXPECT_EQ(ZEL_CompareStrings("en", "no such", "", nullptr), 1);
+}
+
+TEST(Collation, falls_back_on_the_bytes_where_icu_cannot_tell) {
+    for (const std::string &locale :
+         {"de_" + std::string(154, 'A'), std::string(12, 'a'), std::string("de@=x")})
+        EXPECT_GT(ZEL_CompareStrings(locale.c_str(), "UTF-8", "a", "B"), 0) << locale;
+    EXPECT_GT(ZEL_CompareStrings("en", "no such", "a", "B"), 0);
+}
+
+TEST(HeaderComparison, sees_through_encodings_and_folds) {
+    start_library();
+    EXPECT_EQ(compare_headers("de", "=?iso-8859-1?Q?=C4pfel?=", "=?utf-8?B?w4RwZmVs?="), 0);
+    EXPECT_EQ(compare_headers("de", "=?iso-8859-1?Q?=C4pfel?=", "Birnen"), -1);
+    EXPECT_EQ(compare_headers("en", "Hello\r\n world", "Hello world"), 0);
+}
+
+TEST(HeaderComparison, reaches_the_last_byte_of_values_of_any_size) {
+    start_library();
+    for (const std::size_t size : {1, 2, 1023, 1024, 1025, 100000}) {
+        const std::string same(size - 1, 'x');
+        EXPECT_EQ(compare_headers("en", same + 'a', same + 'b'), -1) << size;
+        EXPECT_EQ(compare_headers("en", same + 'b', same + 'a'), 1) << size;
+        EXPECT_EQ(compare_headers("en", same + 'a', "z"), -1) << size;
+    }
+}
+
+TEST(HeaderComparison, leaves_both_values_unfolded) {
+    start_library();
+    const exact_buffer first = exact_string("a\r\n b"), second = exact_string("c\r\n =?utf-8?Q?d?=");
+    EXPECT_EQ(ZEL_CompareMessageHeaderStrings("en", "UTF-8", first.data(), second.data()), -1);
+    EXPECT_EQ(first.text(), "a b");
+    EXPECT_EQ(second.text(), "c=?utf-8?Q?d?=");
+}
+
+} // namespace
