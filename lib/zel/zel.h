@@ -99,7 +99,8 @@ ZEL_API extern ZELConfig g_zelconf;
 /**
  * Starts the library: settles the local charset from the environment variable LANG by way of the bundle
  * "encbylang" ("iso-8859-1" if it has no answer), and lists the localisation directories
- * `svrroot`/../lib/html/. A call after the first changes nothing.
+ * `svrroot`/../lib/html/. A call after the first changes nothing. ICU finds a bundle under a relative path
+ * only where that begins with "./" or "../".
  *
  * @param svrroot the server's root directory; may be null or empty where `bundles_path` is given
  * @param config settings; null for all zero

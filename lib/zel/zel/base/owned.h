@@ -2,7 +2,7 @@
 // function that releases it, so every path does. The aliases for ICU's objects, converter records and held
 // locks stand beside the modules that know those functions.
 //
-// Invariant: nothing else in the library calls free.
+// Invariant: nothing else in the library calls free, but ZEL_Free for the host.
 
 #pragma once
 
