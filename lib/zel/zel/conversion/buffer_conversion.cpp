@@ -28,6 +28,8 @@ constexpr fixed_size fixed_sizes[] = {
     {ianaEUCJP, ianaISO2022JP, 2}, {ianaISO2022KR, ianaEUCKR, 2},
 };
 
+} // namespace
+
 // Pairs whose conversion stays out of ICU. The character map folds between traditional and simplified forms,
 // which no code page does.
 struct direct_route {
@@ -35,6 +37,8 @@ struct direct_route {
     const char *to_charset;
     void (*convert)(input, output &);
 };
+
+namespace {
 
 constexpr direct_route direct_routes[] = {
     {ianaGB2312, ianaBIG5, convert_gb_to_big5},
@@ -159,15 +163,12 @@ std::optional<bool> put_by_road(output &to, const EncodingConverter *pair, std::
     return answer == verdict::done;
 }
 
-bool needs_no_conversion(const char *from_charset, const char *to_charset) {
-    return passes_through() || same_charset(from_charset, to_charset);
-}
-
 // The pair's table or the identity of ASCII instead of ICU, where they decide.
-std::optional<std::int32_t> convert_fast(const EncodingConverter *pair, std::string_view text, char *to_buf,
+std::optional<std::int32_t> convert_fast(const charset_pair &pair, std::string_view text, char *to_buf,
                                          std::int32_t to_size) {
     std::int32_t length = 0;
-    switch (pair ? convert_by_road(pair->road, text, to_buf, to_size, length) : verdict::undecided) {
+    switch (pair.cached ? convert_by_road(pair.cached->road, text, to_buf, to_size, length)
+                        : verdict::undecided) {
     case verdict::done:
         return length;
     case verdict::full:
@@ -177,51 +178,91 @@ std::optional<std::int32_t> convert_fast(const EncodingConverter *pair, std::str
     }
 }
 
+// A record whose converters are the caller's. The text that they will convert counts towards the pair's
+// table.
+lent_converter borrow_for(const charset_pair &pair, std::string_view text) {
+    if (pair.cached)
+        note_conversion(pair.cached->road, pair.from_charset, pair.to_charset, text.size());
+    return borrow_converter(pair.from_charset, pair.to_charset);
+}
+
+void convert_directly(const direct_route &route, std::string_view text, output &to) {
+    route.convert(input_from(text.data(), saturate(text.size())), to);
+}
+
 } // namespace
 
-std::optional<std::int32_t> convert_buffer(const char *from_charset, const char *to_charset,
-                                           const char *from_buf, std::int32_t from_len, char *to_buf,
-                                           std::int32_t to_size) {
+charset_pair look_up(const char *from_charset, const char *to_charset) {
     require_started();
-    const std::string_view text = resolve(from_buf, from_len);
-    if (from_len == 0 || needs_no_conversion(from_charset, to_charset))
+    charset_pair pair = {from_charset, to_charset, false, nullptr, nullptr};
+    pair.same = passes_through() || same_charset(from_charset, to_charset);
+    if (!pair.same)
+        pair.direct = find_row(direct_routes, from_charset, to_charset);
+    if (!pair.same && !pair.direct)
+        pair.cached = find_pair(from_charset, to_charset);
+    return pair;
+}
+
+bool is_known(const charset_pair &pair) {
+    return pair.cached || borrow_converter(pair.from_charset, pair.to_charset);
+}
+
+std::int32_t result_size(const charset_pair &pair, std::size_t bytes) {
+    if (pair.same)
+        return saturate(bytes + 1);
+    if (const fixed_size *row = find_row(fixed_sizes, pair.from_charset, pair.to_charset))
+        return saturate(bytes * row->factor + 1);
+    if (pair.cached)
+        return estimate_size(pair.cached, bytes);
+    return estimate_size(borrow_converter(pair.from_charset, pair.to_charset).get(), bytes);
+}
+
+std::optional<std::int32_t> convert_buffer(const charset_pair &pair, std::string_view text, char *to_buf,
+                                           std::int32_t to_size) {
+    if (pair.same)
         return copy(text, to_buf, to_size);
-    if (const direct_route *route = find_row(direct_routes, from_charset, to_charset)) {
+    if (pair.direct) {
         output to = output_to(to_buf, to_size);
-        route->convert(input_from(text.data(), saturate(text.size())), to);
+        convert_directly(*pair.direct, text, to);
         return finish(to);
     }
-    if (const auto length = convert_fast(find_pair(from_charset, to_charset), text, to_buf, to_size))
+    if (const auto length = convert_fast(pair, text, to_buf, to_size))
         return length;
-    const lent_converter converter = borrow_converter(from_charset, to_charset);
+    const lent_converter converter = borrow_for(pair, text);
     if (!converter)
         return std::nullopt;
-    note_conversion(find_pair(from_charset, to_charset)->road, from_charset, to_charset, text.size());
     return convert_by_icu(*converter, text, to_buf, to_size);
 }
 
-bool put_converted(output &to, const char *from_charset, const char *to_charset, std::string_view text) {
-    if (text.empty() || needs_no_conversion(from_charset, to_charset))
+std::int32_t convert_or_copy(const charset_pair &pair, std::string_view text, char *to_buf,
+                             std::int32_t to_size) {
+    if (const auto length = convert_buffer(pair, text, to_buf, to_size))
+        return *length;
+    return copy(text, to_buf, to_size);
+}
+
+bool put_converted(output &to, const charset_pair &pair, std::string_view text) {
+    if (text.empty() || pair.same)
         return put(to, text);
-    if (const direct_route *route = find_row(direct_routes, from_charset, to_charset))
-        return put_direct(to, *route, text);
-    if (const auto put_fast = put_by_road(to, find_pair(from_charset, to_charset), text))
+    if (pair.direct)
+        return put_direct(to, *pair.direct, text);
+    if (const auto put_fast = put_by_road(to, pair.cached, text))
         return *put_fast;
-    const lent_converter converter = borrow_converter(from_charset, to_charset);
+    const lent_converter converter = borrow_for(pair, text);
     const utf16_text wide = converter ? to_utf16(*converter, text) : utf16_text{};
     return wide.units ? put_utf16(to, *converter, wide, text) : put(to, text);
 }
 
-bool put_some_converted(output &to, const char *from_charset, const char *to_charset, std::string_view text) {
-    if (put_converted(to, from_charset, to_charset, text))
+bool put_some_converted(output &to, const charset_pair &pair, std::string_view text) {
+    if (put_converted(to, pair, text))
         return true;
-    if (needs_no_conversion(from_charset, to_charset))
+    if (pair.same)
         return put_some(to, text);
-    if (const direct_route *route = find_row(direct_routes, from_charset, to_charset)) {
-        route->convert(input_from(text.data(), saturate(text.size())), to);
+    if (pair.direct) {
+        convert_directly(*pair.direct, text, to);
         return false;
     }
-    const lent_converter converter = borrow_converter(from_charset, to_charset);
+    const lent_converter converter = borrow_for(pair, text);
     utf16_text wide = converter ? to_utf16(*converter, text) : utf16_text{};
     if (!wide.units)
         return put_some(to, text);
@@ -229,26 +270,17 @@ bool put_some_converted(output &to, const char *from_charset, const char *to_cha
     return false;
 }
 
-std::int32_t convert_or_copy(const char *from_charset, const char *to_charset, const char *from_buf,
-                             std::int32_t from_len, char *to_buf, std::int32_t to_size) {
-    if (const auto length = convert_buffer(from_charset, to_charset, from_buf, from_len, to_buf, to_size))
-        return *length;
-    return copy(resolve(from_buf, from_len), to_buf, to_size);
-}
-
-converted_text convert_text(const char *from_charset, const char *to_charset, std::string_view text) {
-    const std::int32_t estimate =
-        ZEL_GetResultBufferSize(text.data(), saturate(text.size()), from_charset, to_charset);
-    for (std::uint64_t size = static_cast<std::uint64_t>(estimate) + 1;;) {
+converted_text convert_text(const charset_pair &pair, std::string_view text) {
+    for (std::uint64_t size = static_cast<std::uint64_t>(result_size(pair, text.size())) + 1;;) {
         converted_text converted = {allocate<char>(size), 0};
         output to = output_to(converted.bytes.get(), saturate(size));
-        if (put_converted(to, from_charset, to_charset, text) || !converted.bytes) {
+        if (put_converted(to, pair, text) || !converted.bytes) {
             converted.length = finish(to);
             return converted;
         }
         // The estimate is no guarantee: escape sequences around short runs can need more.
         output counted = counting_output();
-        put_converted(counted, from_charset, to_charset, text);
+        put_converted(counted, pair, text);
         size = counted.length + 1;
     }
 }
@@ -264,33 +296,29 @@ int32_t ZEL_GetResultBufferSize(const char *from_buf, int32_t from_len, const ch
         fail_assertion("from_buf!=NULL", "zel");
     if (from_len == 0)
         return 1;
-    const std::size_t bytes = resolve(from_buf, from_len).size();
-    if (needs_no_conversion(from_charset, to_charset))
-        return saturate(bytes + 1);
-    if (const fixed_size *row = find_row(fixed_sizes, from_charset, to_charset))
-        return saturate(bytes * row->factor + 1);
-    if (const EncodingConverter *pair = find_pair(from_charset, to_charset))
-        return estimate_size(pair, bytes);
-    return estimate_size(borrow_converter(from_charset, to_charset).get(), bytes);
+    return result_size(look_up(from_charset, to_charset), resolve(from_buf, from_len).size());
 }
 
 int32_t ZEL_ConvertBuffer(const char *from_charset, const char *to_charset, const char *from_buf,
                           int32_t from_len, char *to_buf, int32_t to_size) {
-    return convert_buffer(from_charset, to_charset, from_buf, from_len, to_buf, to_size).value_or(0);
+    require_started();
+    if (from_len == 0)
+        return copy({}, to_buf, to_size);
+    return convert_buffer(look_up(from_charset, to_charset), resolve(from_buf, from_len), to_buf, to_size)
+        .value_or(0);
 }
 
 namespace {
 
-char *convert_element(const char *from_charset, const char *to_charset, const char *text) {
-    const std::int32_t length = saturate(std::strlen(text));
-    const std::int32_t size =
-        saturate(std::uint64_t{1} +
-                 static_cast<std::uint32_t>(ZEL_GetResultBufferSize(text, length, from_charset, to_charset)));
+char *convert_element(const char *from_charset, const char *to_charset, std::string_view text) {
+    const charset_pair pair = look_up(from_charset, to_charset);
+    const std::uint64_t estimate =
+        text.empty() ? 1 : static_cast<std::uint64_t>(result_size(pair, text.size()));
+    const std::int32_t size = saturate(estimate + 1);
     // ICU may fill all of size, and a string is terminated even then.
     heap_string converted(static_cast<char *>(std::malloc(static_cast<std::size_t>(size) + 1)));
     if (converted)
-        converted.get()[convert_or_copy(from_charset, to_charset, text, length, converted.get(), size)] =
-            '\0';
+        converted.get()[convert_or_copy(pair, text, converted.get(), size)] = '\0';
     return converted.release();
 }
 
@@ -301,5 +329,6 @@ void ZEL_ConvertBufferArray(const char *from_charset, const char *to_charset, co
     if (!from_bufs || !to_bufs)
         return;
     for (int32_t i = 0; i < count; ++i)
-        to_bufs[i] = from_bufs[i] ? convert_element(from_charset, to_charset, from_bufs[i]) : nullptr;
+        to_bufs[i] =
+            from_bufs[i] ? convert_element(from_charset, to_charset, resolve(from_bufs[i], -1)) : nullptr;
 }

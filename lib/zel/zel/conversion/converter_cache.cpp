@@ -161,7 +161,8 @@ void unload_encodingconverter(EncodingConverter *converter) {
 using namespace zel;
 
 int32_t ZEL_EncodingConverterExists(const char *from_charset, const char *to_charset) {
-    return borrow_converter(from_charset, to_charset) ? 1 : 0;
+    require_started();
+    return find_pair(from_charset, to_charset) || borrow_converter(from_charset, to_charset) ? 1 : 0;
 }
 
 void terminate_encodingconverter(void) {

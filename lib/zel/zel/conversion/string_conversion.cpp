@@ -27,14 +27,13 @@ heap_string local_to_local(const char *text, const char *from_charset, const cha
     require_started();
     if (passes_through())
         return duplicate(text);
-    to_charset = or_local_charset(to_charset);
-    const std::int32_t length = saturate(std::strlen(text));
-    const std::int32_t size = ZEL_GetResultBufferSize(text, length, from_charset, to_charset);
+    const std::string_view whole(text, static_cast<std::size_t>(saturate(std::strlen(text))));
+    const charset_pair pair = look_up(from_charset, or_local_charset(to_charset));
+    const std::int32_t size = result_size(pair, whole.size());
     // ICU may fill all of size, and a string is terminated even then.
     heap_string converted = allocate<char>(static_cast<std::uint64_t>(size) + 1);
     if (converted)
-        converted.get()[convert_or_copy(from_charset, to_charset, text, length, converted.get(), size)] =
-            '\0';
+        converted.get()[convert_or_copy(pair, whole, converted.get(), size)] = '\0';
     return converted;
 }
 

@@ -13,7 +13,6 @@
 #include "zel/base/output.h"
 #include "zel/base/string_validity.h"
 #include "zel/conversion/buffer_conversion.h"
-#include "zel/conversion/converter_cache.h"
 #include "zel/policy/charset_policy.h"
 
 namespace zel {
@@ -23,13 +22,13 @@ constexpr std::int32_t no_converter = -5;
 
 struct body {
     const char *language;
-    const char *from_charset;
+    charset_pair pair;
     std::string_view bytes;
-    const char *to_charset;
 };
 
 bool goes_between(const body &from, const char *from_charset, const char *to_charset) {
-    return same_charset(from.from_charset, from_charset) && same_charset(from.to_charset, to_charset);
+    return same_charset(from.pair.from_charset, from_charset) &&
+           same_charset(from.pair.to_charset, to_charset);
 }
 
 // The first two letters of the language open a route, whatever follows them.
@@ -61,15 +60,14 @@ bool is_korean_pair(const body &from) {
 
 // The Korean and the HZ pair need no converter of ICU, so they are not asked for one, under any language.
 bool is_convertible(const body &from) {
-    return same_charset(from.from_charset, from.to_charset) || is_korean_pair(from) ||
-           goes_between(from, ianaHZ, ianaGB2312) || borrow_converter(from.from_charset, from.to_charset);
+    return same_charset(from.pair.from_charset, from.pair.to_charset) || is_korean_pair(from) ||
+           goes_between(from, ianaHZ, ianaGB2312) || is_known(from.pair);
 }
 
 std::int32_t estimate(const body &from) {
     if (is_korean_pair(from))
         return saturate(2 * static_cast<std::uint64_t>(from.bytes.size()));
-    return ZEL_GetResultBufferSize(from.bytes.data(), saturate(from.bytes.size()), from.from_charset,
-                                   from.to_charset);
+    return from.bytes.empty() ? 1 : result_size(from.pair, from.bytes.size());
 }
 
 std::int32_t convert_directly(const direct_route &route, std::string_view bytes, char *to_buf,
@@ -85,17 +83,15 @@ std::int32_t convert_directly(const direct_route &route, std::string_view bytes,
 // ICU may fill a buffer of the estimated size to its last byte, which leaves no room for a terminator.
 std::int32_t convert_by_buffer(const body &from, char *to_buf, std::int32_t to_size) {
     output to = output_to(to_buf, to_size);
-    if (put_converted(to, from.from_charset, from.to_charset, from.bytes))
+    if (put_converted(to, from.pair, from.bytes))
         return finish(to);
     if (to_size >= estimate(from))
-        return ZEL_ConvertBuffer(from.from_charset, from.to_charset, from.bytes.data(),
-                                 saturate(from.bytes.size()), to_buf, to_size);
-    put_some_converted(to, from.from_charset, from.to_charset, from.bytes);
+        return convert_buffer(from.pair, from.bytes, to_buf, to_size).value_or(0);
+    put_some_converted(to, from.pair, from.bytes);
     return finish(to);
 }
 
 std::int32_t _InternetMessageBodyToLocal(const body &from, char *to_buf, std::int32_t to_size) {
-    require_started();
     if (!is_convertible(from))
         return no_converter;
     if (to_size < 0)
@@ -113,10 +109,11 @@ using namespace zel;
 int32_t ZEL_InternetMessageBodyLocalToLocalLen(const char *language, const char *from_charset, char,
                                                const char *from_buf, int32_t from_len, const char *to_charset,
                                                char *to_buf, int32_t to_size) {
+    require_started();
     const bool is_given = from_charset && *from_charset;
     const std::size_t length = from_len < 0 ? std::strlen(from_buf) : static_cast<std::size_t>(from_len);
-    const body from = {
-        language, is_given ? from_charset : mail_charset(language), {from_buf, length}, to_charset};
+    const charset_pair pair = look_up(is_given ? from_charset : mail_charset(language), to_charset);
+    const body from = {language, pair, {from_buf, length}};
     return _InternetMessageBodyToLocal(from, to_buf, to_size);
 }
 

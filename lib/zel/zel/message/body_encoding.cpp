@@ -14,7 +14,6 @@
 #include "zel/base/string_validity.h"
 #include "zel/base/transfer_encoding.h"
 #include "zel/conversion/buffer_conversion.h"
-#include "zel/conversion/converter_cache.h"
 #include "zel/policy/languages.h"
 
 namespace zel {
@@ -28,10 +27,9 @@ using jis_encoder = void (*)(input, output &);
 
 struct body {
     std::string_view text;
-    const char *from_charset;
-    const char *charset; // on the wire
-    bool same;           // the text is in that charset already
-    jis_encoder direct;  // null where the conversion goes its general road
+    charset_pair pair;  // into the charset on the wire
+    bool same;          // the text is in that charset already
+    jis_encoder direct; // null where the conversion goes its general road
     bool quoted_printable;
 };
 
@@ -48,10 +46,7 @@ body decide(LanguageID id, const char *from_charset, std::string_view text, bool
     const bool by_text = policy.encoding == transfer::by_text;
     const bool ascii = by_text && is7bit(text);
     const char *charset = ascii ? ianaUSASCII : policy.mail_charset;
-    return {text,
-            from_charset,
-            charset,
-            same_charset(from_charset, charset),
+    return {text, look_up(from_charset, charset), same_charset(from_charset, charset),
             direct_encoder(id, from_charset),
             by_text ? qp_for_8bit && !ascii : policy.encoding == transfer::quoted_printable};
 }
@@ -61,7 +56,7 @@ void put_quoted_printable(const body &from, output &to) {
         mime_encode_qp_src(from.text, to, false, nullptr);
         return;
     }
-    const converted_text converted = convert_text(from.from_charset, from.charset, from.text);
+    const converted_text converted = convert_text(from.pair, from.text);
     if (converted.bytes)
         mime_encode_qp_src(converted.bytes.get(), to, false, nullptr);
 }
@@ -72,7 +67,7 @@ void put_body(const body &from, output &to) {
     else if (from.quoted_printable)
         put_quoted_printable(from, to);
     else
-        put_some_converted(to, from.from_charset, from.charset, from.text);
+        put_some_converted(to, from.pair, from.text);
 }
 
 constexpr std::uint64_t escape_sequences = 6; // into a double-byte set and back
@@ -86,8 +81,7 @@ bool may_need_more(const body &from, std::uint64_t size) {
 }
 
 std::int32_t estimate(const body &from) {
-    const auto size = static_cast<std::uint64_t>(ZEL_GetResultBufferSize(
-        from.text.data(), saturate(from.text.size()), from.from_charset, from.charset));
+    const auto size = static_cast<std::uint64_t>(result_size(from.pair, from.text.size()));
     const std::uint64_t formula = from.quoted_printable ? size * 3 : size;
     if (!may_need_more(from, size))
         return saturate(formula);
@@ -110,7 +104,7 @@ int32_t ZEL_LocalToInternetMessageBody(const char *language, const char *from_ch
     if (id == no_language)
         return unknown_language;
     const body from = decide(id, from_charset, from_buf, qp_for_8bit != 0);
-    if (!from.same && !borrow_converter(from.from_charset, from.charset))
+    if (!from.same && !is_known(from.pair))
         return no_converter;
     if (to_size < 0)
         return estimate(from);

@@ -191,7 +191,7 @@ bool put_word(const header_pass &pass, const encoded_word &word, output &to) {
     case road::jis_to_sjis:
         return put_whole(to, convert_jis_to_sjis, bytes_of(decoded));
     default:
-        return put_converted(to, word.charset, pass.to_charset, decoded);
+        return put_converted(to, look_up(word.charset, pass.to_charset), decoded);
     }
 }
 
@@ -213,7 +213,7 @@ void put_tail(const header_pass &pass, std::string_view tail, output &to) {
     case road::jis_to_sjis:
         return convert_jis_to_sjis(bytes_of(tail), to);
     default:
-        put_some_converted(to, ianaISO2022JP, pass.to_charset, tail);
+        put_some_converted(to, look_up(ianaISO2022JP, pass.to_charset), tail);
     }
 }
 

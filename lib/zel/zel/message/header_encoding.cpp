@@ -25,8 +25,8 @@ struct header_value {
     encoding how;
     character_width width;
     bool is_utf8;
-    const char *from_charset;
     const char *charset; // on the wire
+    charset_pair pair;
     std::string_view text;
 };
 
@@ -46,19 +46,18 @@ character_width choose_width(LanguageID language, const char *from_charset) {
     return character_width::one_byte;
 }
 
-header_value value_of(const char *language, const char *from_charset, const char *text) {
+header_value value_of(const char *language, const char *from_charset, std::string_view text) {
     const LanguageID id = ZEL_GetIntLanguageID(language);
-    const char *charset = ZEL_InternetMessageCharset(language, text);
-    return {choose_encoding(id, charset),
-            choose_width(id, from_charset),
-            same_charset(from_charset, encUTF8),
-            from_charset,
-            charset,
-            {text, std::strlen(text)}};
+    const char *charset = ZEL_InternetMessageCharset(language, text.data());
+    const encoding how = choose_encoding(id, charset);
+    if (how == encoding::none)
+        return {how, character_width::one_byte, false, charset, {}, text};
+    return {how,     choose_width(id, from_charset), same_charset(from_charset, encUTF8),
+            charset, look_up(from_charset, charset), text};
 }
 
 void put_q_words(const header_value &value, output &to) {
-    const converted_text converted = convert_text(value.from_charset, value.charset, value.text);
+    const converted_text converted = convert_text(value.pair, value.text);
     if (converted.bytes)
         mime_encode_qp_src(converted.bytes.get(), to, true, value.charset);
 }
@@ -137,8 +136,7 @@ bool put_plain(b_pass &pass, char byte) {
 bool put_word(b_pass &pass, std::string_view segment) {
     char converted[longest_run * 16]; // no charset takes 16 bytes for a byte of another
     const header_value &value = pass.value;
-    const std::int32_t length = convert_or_copy(value.from_charset, value.charset, segment.data(),
-                                                saturate(segment.size()), converted, sizeof converted);
+    const std::int32_t length = convert_or_copy(value.pair, segment, converted, sizeof converted);
     const std::string_view text(converted, strnlen(converted, static_cast<std::size_t>(length)));
     const std::string_view charset = value.charset;
     const std::size_t size = charset.size() + word_frame + base64_size(text.size());
@@ -238,8 +236,7 @@ std::uint64_t bound(const header_value &value, std::uint64_t converted) {
 std::int32_t estimate(const header_value &value) {
     if (value.how == encoding::none)
         return saturate(value.text.size() + 1);
-    const auto converted = static_cast<std::uint64_t>(ZEL_GetResultBufferSize(
-        value.text.data(), saturate(value.text.size()), value.from_charset, value.charset));
+    const auto converted = static_cast<std::uint64_t>(result_size(value.pair, value.text.size()));
     const std::uint64_t formula = 4 * converted + std::strlen(value.charset) + 8;
     if (bound(value, converted) <= formula)
         return saturate(formula);

@@ -225,7 +225,7 @@ void put_value(output &to, const extended_value &value, const char *decoded, con
     if (!converted || put(to, converted.get()))
         return;
     if (*value.charset)
-        put_some_converted(to, value.charset, or_local_charset(to_charset), decoded);
+        put_some_converted(to, look_up(value.charset, or_local_charset(to_charset)), decoded);
     else
         put_some(to, decoded);
 }
