@@ -1,0 +1,182 @@
+// Extended parameters, written in segments and read from one value.
+
+#include "support.h"
+#include "wire.h"
+
+namespace {
+
+auto encoder_of(const char *language, const char *from_charset, const std::string &value,
+                const std::string &name = "filename") {
+    return [=](char *to_buf, int32_t to_size) {
+        const exact_buffer text = exact_string(value);
+        return ZEL_LocalToRFC2231(language, name.c_str(), from_charset, text.data(), to_buf, to_size);
+    };
+}
+
+auto decoder_of(const std::string &value, const char *to_charset) {
+    return [=](char *to_buf, int32_t to_size) {
+        const exact_buffer text = exact_string(value);
+        return ZEL_RFC2231ToLocal("fr", text.data(), to_charset, to_buf, to_size);
+    };
+}
+
+// What a host does with a parameter before it is decoded: takes the lines apart and joins their values.
+std::string joined(const std::string &parameter) {
+    std::string value;
+    for (std::size_t at = 0, end; at < parameter.size(); at = end + 3) {
+        end = std::min(parameter.find(";\r\n", at), parameter.size());
+        std::string line = parameter.substr(at, end - at);
+        line.erase(0, line.find('=') + 1);
+        value += line.starts_with('"') ? line.substr(1, line.size() - 2) : line;
+    }
+    return value;
+}
+
+TEST(RFC2231, a_short_value_is_one_labelled_line) {
+    start_library();
+    const struct {
+        const char *language, *from_charset;
+        std::string text, line;
+    } rows[] = {{"fr", "iso-8859-1", "t\xE9te.txt", "iso-8859-15'fr't%E9te.txt"},
+                {"fr", "UTF-8", "a b", "us-ascii'fr'a%20b"},
+                {nullptr, "UTF-8", "\xC3\xA9", "''%C3%A9"},
+                {"", "UTF-8", "\xC3\xA9", "us-ascii''%1A"},
+                {"fr", nullptr, "\xC3\xA9", "iso-8859-15'fr'%C3%A9"},
+                {"fr", "", "\xC3\xA9", "iso-8859-15'fr'%C3%A9"},
+                {"fr", "nonsense", "\xC3\xA9", "iso-8859-15'fr'%C3%A9"},
+                {"en", "us-ascii", "AZaz09!#$&+-.^_`{|}~", "us-ascii'en'AZaz09!#$&+-.^_`{|}~"},
+                {"x'y", "us-ascii", "\x01%'*()/\"\\\x7F", "us-ascii'x'y'%01%25%27%2A%28%29%2F%22%5C%7F"}};
+    for (const auto &row : rows) {
+        const auto call = encoder_of(row.language, row.from_charset, row.text);
+        EXPECT_EQ(in_two_calls(call), "\tfilename*0*=" + row.line);
+        expect_whole_units(call, "\tfilename*0*=" + row.line, is_triple_end<'%'>, 40);
+    }
+}
+
+TEST(RFC2231, long_values_are_cut_behind_triples_and_quoted_behind_the_last_one) {
+    start_library();
+    const std::string opening = "\tfilename*0*=us-ascii'en'", end = ";\r\n", x40(40, 'x'), x80 = x40 + x40;
+    const std::string e9 = "%E9", extended = "\tfilename*0*=iso-8859-15'en'";
+    const struct {
+        std::string text, parameter;
+    } rows[] = {{x40, opening + x40},
+                {x40 + "x", opening + x40 + "x" + end + "\tfilename*1=\"\""},
+                {x80 + x40, opening + x40 + "x" + end + "\tfilename*1=\"" + x40 + std::string(13, 'x') +
+                                "\"" + end + "\tfilename*2=\"" + std::string(26, 'x') + "\""},
+                {x40 + "x y", opening + x40 + "x%20" + end + "\tfilename*1=\"y\""},
+                {x40 + " y", opening + x40 + "%20" + end + "\tfilename*1=\"y\""},
+                {x40.substr(1) + " y", opening + x40.substr(1) + "%20" + end + "\tfilename*1=\"y\""},
+                {x40.substr(1) + "A9y", opening + x40.substr(1) + "A9" + end + "\tfilename*1=\"y\""},
+                {repeated("\xE9", 32), extended + repeated(e9, 13) + end +
+                                           "\tfilename*1*=" + repeated(e9, 18) + end + "\tfilename*2*=" + e9},
+                {"\xE9" + x80 + "\xE9" + x80, extended + e9 + x40.substr(5) + end + "\tfilename*1*=" + x40 +
+                                                  "xxxxx" + e9 + x40.substr(35) + end + "\tfilename*2=\"" +
+                                                  x40 + std::string(13, 'x') + "\"" + end +
+                                                  "\tfilename*3=\"" + std::string(22, 'x') + "\""}};
+    for (const auto &row : rows) {
+        const auto call = encoder_of("en", "iso-8859-15", row.text);
+        EXPECT_EQ(in_two_calls(call), row.parameter);
+        expect_whole_units(call, row.parameter, is_triple_end<'%'>, 40);
+    }
+}
+
+TEST(RFC2231, a_name_that_leaves_no_room_ends_the_cutting) {
+    start_library();
+    const std::string text(200, 'x');
+    for (std::size_t length = 40; length < 70; ++length) {
+        const std::string name(length, 'n'), parameter = in_two_calls(encoder_of("en", "UTF-8", text, name));
+        EXPECT_EQ(in_two_calls(decoder_of(joined(parameter), "UTF-8")), text);
+    }
+}
+
+TEST(RFC2231, values_are_read) {
+    start_library();
+    const std::string c32(32, 'c'), c40(40, 'c');
+    const struct {
+        std::string value;
+        const char *to_charset;
+        std::string text;
+    } rows[] = {{"iso-8859-15'fr't%E9te.txt", "iso-8859-15", "t\xE9te.txt"},
+                {"ISO-8859-15''%A4", "UTF-8", "€"},
+                {"utf-8'de'%c3%A9", nullptr, "\xE9"},
+                {"abc%20def+\xE9", "UTF-8", "abc def+\xE9"},
+                {"''%E9", "UTF-8", "\xE9"},
+                {"nonsense'x'%E9", "UTF-8", "\xE9"},
+                {"a'%41", "UTF-8", "a'A"},
+                {"us-ascii''%4%", "UTF-8", "?"},
+                {"%4", "UTF-8", "%4"},
+                {"%", "UTF-8", "%"},
+                {"a%g0%0gb%00c", "UTF-8", "a??b"},
+                {c40 + "'en'x", "UTF-8", "en'x"},
+                {"utf-8'0123456789'x", "UTF-8", "x"},
+                {"utf-8'0123456789a'x", "UTF-8", "'x"},
+                {c32 + "''x", "UTF-8", "x"},
+                {c32 + "'", "UTF-8", c32 + "'"}};
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.value);
+        EXPECT_EQ(in_two_calls(decoder_of(row.value, row.to_charset)), row.text);
+        if (row.to_charset)
+            expect_whole_units(decoder_of(row.value, row.to_charset), row.text, is_character_end, 4);
+    }
+    EXPECT_EQ(in_two_calls(decoder_of("utf-8''%E2%82%AC", "UTF-8")), "€"); // a copy, which is cut at a byte
+}
+
+TEST(RFC2231, no_value_is_an_empty_text_even_where_the_size_is_asked_for) {
+    for (const char *text : {"", static_cast<const char *>(nullptr)})
+        for (const int32_t to_size : {-1, 0, 1}) {
+            const exact_buffer first(1), second(1);
+            EXPECT_EQ(ZEL_LocalToRFC2231("fr", "name", "UTF-8", text, first.data(), to_size), 0);
+            EXPECT_EQ(ZEL_RFC2231ToLocal("fr", text, "UTF-8", second.data(), to_size), 0);
+            EXPECT_EQ(first.text() + second.text(), "");
+        }
+}
+
+TEST(RFC2231, the_size_is_the_formula_where_that_is_enough) {
+    start_library();
+    EXPECT_EQ(encoder_of("en", "UTF-8", "text")(nullptr, -1), 3 * 4 + 8 + 40);
+    EXPECT_EQ(decoder_of("utf-8''text", "UTF-8")(nullptr, -1), 2 * 11);
+}
+
+TEST(RFC2231, a_host_that_asks_for_the_size_loses_nothing) {
+    start_library();
+    for (const auto &[language, text] : {std::pair{"fr", repeated("é", 5000)},
+                                         {"ja", repeated("日a", 3000)},
+                                         {"yi", repeated("ש", 5000)},
+                                         {"ru", std::string("Ж")},
+                                         {"en", std::string(5 << 20, ' ')}}) {
+        const std::string parameter = in_two_calls(encoder_of(language, "UTF-8", text));
+        EXPECT_EQ(in_two_calls(decoder_of(joined(parameter), "UTF-8")), text);
+    }
+    EXPECT_EQ(in_two_calls(decoder_of("tis-620''" + repeated("\xA1", 1000), "UTF-8")), repeated("ก", 1000));
+}
+
+TEST(RFC2231, hostile_parameters_stay_within_the_size_that_is_asked_for) {
+    start_library();
+    hostile_source hostile;
+    for (int round = 0; round < 3000 && !HasFailure(); ++round) {
+        const std::string language = hostile.language(), charset = hostile.charset(),
+                          text = "x" + hostile.text();
+        SCOPED_TRACE(language + " " + charset + " " + testing::PrintToString(text));
+        expect_enough(encoder_of(language.c_str(), charset.c_str(), text, hostile.text()), hostile);
+        expect_enough(decoder_of(text, charset.c_str()), hostile);
+        expect_enough(decoder_of(hostile.charset() + "'" + language + "'" + text, charset.c_str()), hostile);
+    }
+}
+
+TEST(RFC2231, nothing_is_converted_in_passthrough) {
+    start_library();
+    gf_ZELStatus = ZEL_STATUS_PASSTHROUGH;
+    EXPECT_EQ(in_two_calls(encoder_of("fr", "UTF-8", "é")), "\tfilename*0*=iso-8859-15'fr'%C3%A9");
+    EXPECT_EQ(in_two_calls(decoder_of("utf-8''%C3%A9", "iso-8859-1")), "é");
+}
+
+TEST(RFC2231, stops_the_process_before_the_start_where_there_is_something_to_convert) {
+    EXPECT_EQ(encoder_of("fr", "UTF-8", "é")(nullptr, -1), 3 * 2 + 8 + 40);
+    EXPECT_EQ(in_two_calls(encoder_of(nullptr, "UTF-8", "a")), "\tfilename*0*=''a");
+    EXPECT_EQ(in_two_calls(decoder_of("a%20b", "UTF-8")), "a b");
+    char to[100];
+    EXPECT_DEATH(encoder_of("fr", "UTF-8", "é")(to, 100), "gf_ZELStatus != ZEL_STATUS_NOT_INITIALIZED");
+    EXPECT_DEATH(decoder_of("utf-8''x", "UTF-8")(to, 100), "gf_ZELStatus != ZEL_STATUS_NOT_INITIALIZED");
+}
+
+} // namespace
