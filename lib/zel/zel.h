@@ -365,8 +365,7 @@ ZEL_API int32_t ZEL_NormalizeLocale(char **locale);
  * The answers come from the bundle "encbylang" (keys "mail|" and "http|" with the language as the caller
  * spells it) or, where it has none, from the table below. ICU tells the case of keys apart, the answers that
  * are remembered do not. An answer holds until ZEL_Terminate(): a bundle that is repaired later is not read
- * again. A language of more than 120 characters is unknown. ZEL_HTTPContentCharset() and
- * ZEL_InternetMessageCharset() need a started library.
+ * again. A language of more than 120 characters is unknown.
  *
  * | Languages            | Mail        | Web        | Admitted beside UTF-8 and UTF-7    | Transfer         |
  * | -------------------- | ----------- | ---------- | ---------------------------------- | ---------------- |
@@ -394,6 +393,8 @@ ZEL_API int32_t ZEL_NormalizeLocale(char **locale);
  *
  * @param language a tag; may be null
  * @return a charset, "iso-8859-1" for an unknown language
+ *
+ * - Stops: before the start, where there is a language to ask for.
  */
 ZEL_API const char *ZEL_HTTPContentCharset(const char *language);
 
@@ -404,6 +405,8 @@ ZEL_API const char *ZEL_HTTPContentCharset(const char *language);
  * @param text the text, in any charset, or null for text to come
  * @return "us-ascii" for a text that is not empty and all 7-bit, else the charset of the language; for an
  *   unknown one "us-ascii"
+ *
+ * - Stops: before the start, where there is a language to ask for.
  */
 ZEL_API const char *ZEL_InternetMessageCharset(const char *language, const char *text);
 

@@ -46,7 +46,7 @@ constexpr language_policy in_taiwan{ianaBIG5, ianaBIG5, ascii_and(ianaBIG5), tra
 constexpr language_policy of_no_language{ianaUSASCII, ianaISO8859_1, {}, transfer::seven_bit};
 
 // A language's id is its place here, counted from 1.
-constexpr std::array<language_row, 47> rows{{
+constexpr std::array<language_row, 47> langtbl{{
     {"en", western},     {"de", western},      {"fr", western},       {"es", western},
     {"af", western},     {"ca", western},      {"da", western},       {"nl", western},
     {"fi", western},     {"gl", western},      {"ga", western},       {"is", western},
@@ -61,14 +61,16 @@ constexpr std::array<language_row, 47> rows{{
     {"zh_CN", in_china}, {"zh-TW", in_taiwan}, {"zh_TW", in_taiwan},
 }};
 
-constexpr LanguageID last_language = static_cast<LanguageID>(rows.size());
+constexpr LanguageID last_language = static_cast<LanguageID>(langtbl.size());
 
 constexpr bool is_language(LanguageID id) {
     return id >= 1 && id <= last_language;
 }
 
+constexpr const char *lang_i_default = "i-default"; // stands for English
+
 constexpr const language_row &row_of(LanguageID id) {
-    return rows[static_cast<std::size_t>(id - 1)];
+    return langtbl[static_cast<std::size_t>(id - 1)];
 }
 
 constexpr std::string_view tag_of(LanguageID id) {
@@ -80,24 +82,10 @@ static_assert(tag_of(english) == "en" && tag_of(japanese) == "ja" && tag_of(kore
               tag_of(chinese_cn_underscored) == "zh_CN" && tag_of(chinese_tw) == "zh-TW" &&
               tag_of(chinese_tw_underscored) == "zh_TW");
 
-consteval auto tags_by_id() {
-    std::array<const char *, rows.size() + 2> tags{};
-    for (std::size_t row = 0; row < rows.size(); ++row)
-        tags[row + 1] = rows[row].tag;
-    return tags;
-}
-
-consteval auto charsets_by_id() {
-    std::array<const char *, rows.size() + 1> charsets{western.mail_charset};
-    for (std::size_t row = 0; row < rows.size(); ++row)
-        charsets[row + 1] = rows[row].policy.mail_charset;
-    return charsets;
-}
-
 // "[en,de,...,zh_TW]" with its terminator.
 consteval std::size_t size_of_list() {
     std::size_t size = 2;
-    for (const language_row &row : rows)
+    for (const language_row &row : langtbl)
         size += std::string_view(row.tag).size() + 1;
     return size;
 }
@@ -105,7 +93,7 @@ consteval std::size_t size_of_list() {
 consteval auto list_of_languages() {
     std::array<char, size_of_list()> list{'['};
     std::size_t at = 1;
-    for (const language_row &row : rows) {
+    for (const language_row &row : langtbl) {
         for (const char byte : std::string_view(row.tag))
             list[at++] = byte;
         list[at++] = ',';
@@ -152,10 +140,6 @@ constexpr std::size_t accepted_capacity = 18;
 
 } // namespace
 
-constinit const std::array<const char *, 49> langtbl = tags_by_id();
-constinit const std::array<const char *, 48> charsettbl = charsets_by_id();
-constinit const char *const lang_i_default = "i-default";
-
 const language_policy &policy_of(LanguageID id) {
     return is_language(id) ? row_of(id).policy : of_no_language;
 }
@@ -178,7 +162,7 @@ LanguageID ZEL_GetIntLanguageID_strict(const char *language) {
 }
 
 const char *ZEL_GetRFC1766LanguageID(LanguageID id) {
-    return langtbl[static_cast<std::size_t>(is_language(id) ? id : english)];
+    return row_of(is_language(id) ? id : english).tag;
 }
 
 const char *ZEL_GetAvailableLanguageList(void) {

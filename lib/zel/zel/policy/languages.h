@@ -36,10 +36,6 @@ struct language_policy {
 // Never fails: what is no language has a policy too.
 const language_policy &policy_of(LanguageID id);
 
-extern const std::array<const char *, 49> langtbl;    // by id; 0 and 48 are null
-extern const std::array<const char *, 48> charsettbl; // by id; 0 is never selected
-extern const char *const lang_i_default;
-
 // The id of a tag in any case, "i-default" being English; no_language for a null, an empty or an unknown tag.
 LanguageID checkLanguage(const char *language);
 
