@@ -28,8 +28,8 @@ struct code_table {
     bool single_byte; // no byte leads another
     std::array<utf8_character, 256> singles;
     std::array<bool, 256> leads;
-    std::array<utf8_character, 128 * 256> pairs; // by lead byte from 0x80 on, then by trail byte
-    std::array<charset_code, 65536> codes;       // by code point
+    std::array<utf8_character, std::size_t{128} * 256> pairs; // by lead byte from 0x80 on, then by trail byte
+    std::array<charset_code, 65536> codes;                    // by code point
 };
 
 using owned_code_table = owned<code_table, &std::free>;
