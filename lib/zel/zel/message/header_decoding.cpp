@@ -15,6 +15,8 @@
 #include "zel/base/transfer_encoding.h"
 #include "zel/conversion/buffer_conversion.h"
 #include "zel/conversion/string_conversion.h"
+#include "zel/policy/charset_policy.h"
+#include "zel/policy/languages.h"
 
 namespace zel {
 namespace {
@@ -123,36 +125,40 @@ bool ends_value(const piece &taken) {
 }
 
 struct header_pass {
-    const char *language;
+    LanguageID language;
+    bool japanese;
     const char *to_charset;
     std::string_view text;
     std::size_t longest_raw;
     char *decoded; // room for the longest raw text; null where there is no memory
 };
 
-enum class road { raw, copy, jis_to_eucjp, jis_to_sjis, icu };
+enum class road { raw, copy, jis_to_eucjp, jis_to_sjis, by_pair };
+
+struct word_road {
+    road how;
+    charset_pair pair;
+};
 
 road jis_road(const char *from_charset, const char *to_charset) {
     if (same_charset(from_charset, ianaISO2022JP) && same_charset(to_charset, ianaEUCJP))
         return road::jis_to_eucjp;
     if (same_charset(from_charset, ianaISO2022JP) && same_charset(to_charset, ianaSHIFTJIS))
         return road::jis_to_sjis;
-    return road::icu;
+    return road::by_pair;
 }
 
 bool is_one_of(char character, std::string_view set) {
     return set.find(character) != std::string_view::npos;
 }
 
-road choose_road(const header_pass &pass, const encoded_word &word) {
-    if (!pass.decoded || !ZEL_IsInternetMessageKnownCharset(pass.language, word.charset) ||
-        !is_one_of(word.encoding, "BbQq"))
-        return road::raw;
+word_road choose_road(const header_pass &pass, const encoded_word &word) {
+    if (!pass.decoded || !is_known_charset(pass.language, word.charset) || !is_one_of(word.encoding, "BbQq"))
+        return {road::raw, {}};
     if (same_charset(word.charset, pass.to_charset))
-        return road::copy;
-    if (!ZEL_EncodingConverterExists(word.charset, pass.to_charset))
-        return road::raw;
-    return jis_road(word.charset, pass.to_charset);
+        return {road::copy, {}};
+    const charset_pair pair = look_up(word.charset, pass.to_charset);
+    return {is_known(pair) ? jis_road(word.charset, pass.to_charset) : road::raw, pair};
 }
 
 // Up to the first zero byte.
@@ -181,17 +187,19 @@ input bytes_of(std::string_view text) {
 }
 
 bool put_word(const header_pass &pass, const encoded_word &word, output &to) {
-    const road chosen = choose_road(pass, word);
-    if (chosen == road::raw)
+    const word_road chosen = choose_road(pass, word);
+    if (chosen.how == road::raw)
         return put(to, word.raw);
     const std::string_view decoded = decode(pass, word);
-    switch (chosen) {
+    switch (chosen.how) {
+    case road::copy:
+        return put(to, decoded);
     case road::jis_to_eucjp:
         return put_whole(to, convert_jis_to_eucjp, bytes_of(decoded));
     case road::jis_to_sjis:
         return put_whole(to, convert_jis_to_sjis, bytes_of(decoded));
     default:
-        return put_converted(to, look_up(word.charset, pass.to_charset), decoded);
+        return put_converted(to, chosen.pair, decoded);
     }
 }
 
@@ -201,7 +209,7 @@ bool is_japanese(const char *language) {
 
 // Raw JIS is what Japanese mailers once wrote; no other language has a charset for raw bytes.
 void put_tail(const header_pass &pass, std::string_view tail, output &to) {
-    if (!is_japanese(pass.language)) {
+    if (!pass.japanese) {
         for (const char byte : tail)
             if (!put(to, static_cast<unsigned char>((byte & 0x80) && !passes_8bit() ? '?' : byte)))
                 return;
@@ -236,14 +244,13 @@ void put_value(const header_pass &pass, output &to) {
 std::uint64_t documented_size(const header_pass &pass, const piece &taken) {
     if (taken.what != piece::kind::word)
         return taken.text.size();
-    const road chosen = choose_road(pass, taken.word);
-    if (chosen == road::raw)
+    const word_road chosen = choose_road(pass, taken.word);
+    if (chosen.how == road::raw)
         return taken.word.raw.size();
-    const std::string_view decoded = decode(pass, taken.word);
-    if (chosen == road::copy)
-        return decoded.size();
-    return static_cast<std::uint64_t>(ZEL_GetResultBufferSize(decoded.data(), saturate(decoded.size()),
-                                                              taken.word.charset, pass.to_charset));
+    const std::size_t decoded = decode(pass, taken.word).size();
+    if (chosen.how == road::copy)
+        return decoded;
+    return decoded == 0 ? 1 : static_cast<std::uint64_t>(result_size(chosen.pair, decoded));
 }
 
 bool holds_fold(std::string_view text) {
@@ -259,7 +266,7 @@ bool may_need_more(const header_pass &pass, const piece &taken) {
     if (taken.what == piece::kind::plain)
         return false;
     if (taken.what == piece::kind::tail)
-        return is_japanese(pass.language) && !taken.text.empty();
+        return pass.japanese && !taken.text.empty();
     constexpr std::size_t single = 4; // encoded as a byte of its own, a triple or a padded group
     return taken.word.raw.size() <= single || holds_fold(taken.text);
 }
@@ -304,7 +311,11 @@ int32_t ZEL_InternetMessageHeaderToLocalLen(const char *language, char *text, in
     const std::size_t scratch_size = std::min(longest_raw, value.size()) + 1;
     char on_stack[stack_scratch];
     const heap_string on_heap = scratch_size > stack_scratch ? allocate<char>(scratch_size) : nullptr;
-    const header_pass pass = {language, to_charset, value, longest_raw,
+    const header_pass pass = {checkLanguage(language),
+                              is_japanese(language),
+                              to_charset,
+                              value,
+                              longest_raw,
                               scratch_size > stack_scratch ? on_heap.get() : on_stack};
     if (to_size < 0)
         return estimate(pass, from_len);

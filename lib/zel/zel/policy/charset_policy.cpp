@@ -50,6 +50,15 @@ const char *http_charset(const char *language) {
     return charset_by(http_rule, language);
 }
 
+bool is_known_charset(LanguageID id, const char *charset) {
+    if (same_charset(charset, ianaUTF8) || same_charset(charset, ianaUTF7))
+        return true;
+    for (const char *known : policy_of(id).known)
+        if (known && same_charset(charset, known))
+            return true;
+    return false;
+}
+
 } // namespace zel
 
 using namespace zel;
@@ -64,12 +73,7 @@ const char *ZEL_InternetMessageCharset(const char *language, const char *text) {
 }
 
 int32_t ZEL_IsInternetMessageKnownCharset(const char *language, const char *charset) {
-    if (same_charset(charset, ianaUTF8) || same_charset(charset, ianaUTF7))
-        return 1;
-    for (const char *known : policy_of(checkLanguage(language)).known)
-        if (known && same_charset(charset, known))
-            return 1;
-    return 0;
+    return is_known_charset(checkLanguage(language), charset);
 }
 
 const char *ZEL_InternetMessageContentTransferEncoding(const char *language, const char *text,
