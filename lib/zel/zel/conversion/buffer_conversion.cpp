@@ -6,6 +6,7 @@
 #include "zel/base/frame.h"
 #include "zel/base/input.h"
 #include "zel/conversion/converter_cache.h"
+#include "zel/conversion/utf16_text.h"
 
 namespace zel {
 namespace {
@@ -59,38 +60,17 @@ std::int32_t copy(std::string_view text, char *to_buf, std::int32_t to_size) {
     return finish(to);
 }
 
-std::uint64_t units_of(const EncodingConverter &converter, std::size_t bytes) {
-    return bytes / static_cast<std::size_t>(converter.min_char_size);
-}
-
 std::int32_t estimate_size(const EncodingConverter *converter, std::size_t bytes) {
     if (!converter)
         return saturate(bytes + 1);
-    const std::uint64_t units = std::max<std::uint64_t>(units_of(*converter, bytes), 1);
+    const std::uint64_t units =
+        std::max<std::uint64_t>(bytes / static_cast<std::size_t>(converter->min_char_size), 1);
     const std::uint64_t estimate = units * static_cast<std::uint64_t>(converter->max_char_size);
     return saturate((estimate ? estimate : bytes) + 1);
 }
 
-struct utf16_text {
-    heap<UChar> units; // null where the text could not be taken in
-    std::int32_t length;
-};
-
-utf16_text to_utf16(const EncodingConverter &converter, std::string_view text) {
-    const std::uint64_t whole = units_of(converter, text.size());
-    const std::uint64_t capacity = whole ? whole + 1 : 1;
-    if (capacity > INT32_MAX)
-        return {};
-    utf16_text taken = {heap<UChar>(static_cast<UChar *>(std::malloc(capacity * sizeof(UChar)))), 0};
-    if (!taken.units)
-        return {};
-    UErrorCode status = U_ZERO_ERROR;
-    taken.length =
-        ucnv_toUChars(converter.from_cnv.get(), taken.units.get(), static_cast<std::int32_t>(capacity),
-                      text.data(), static_cast<std::int32_t>(text.size()), &status);
-    if (U_FAILURE(status))
-        return {};
-    return taken;
+utf16_text take_in(const EncodingConverter &converter, std::string_view text) {
+    return to_utf16(converter.from_cnv.get(), converter.min_char_size, text);
 }
 
 std::int32_t from_utf16(const EncodingConverter &converter, const utf16_text &text, char *to_buf,
@@ -100,7 +80,7 @@ std::int32_t from_utf16(const EncodingConverter &converter, const utf16_text &te
 
 std::int32_t convert_by_icu(const EncodingConverter &converter, std::string_view text, char *to_buf,
                             std::int32_t to_size) {
-    const utf16_text wide = to_utf16(converter, text);
+    const utf16_text wide = take_in(converter, text);
     if (!wide.units)
         return copy(text, to_buf, to_size);
     UErrorCode status = U_ZERO_ERROR;
@@ -249,7 +229,7 @@ bool put_converted(output &to, const charset_pair &pair, std::string_view text) 
     if (const auto put_fast = put_by_road(to, pair.cached, text))
         return *put_fast;
     const lent_converter converter = borrow_for(pair, text);
-    const utf16_text wide = converter ? to_utf16(*converter, text) : utf16_text{};
+    const utf16_text wide = converter ? take_in(*converter, text) : utf16_text{};
     return wide.units ? put_utf16(to, *converter, wide, text) : put(to, text);
 }
 
@@ -263,7 +243,7 @@ bool put_some_converted(output &to, const charset_pair &pair, std::string_view t
         return false;
     }
     const lent_converter converter = borrow_for(pair, text);
-    utf16_text wide = converter ? to_utf16(*converter, text) : utf16_text{};
+    utf16_text wide = converter ? take_in(*converter, text) : utf16_text{};
     if (!wide.units)
         return put_some(to, text);
     put_fitting_utf16(to, *converter, wide);

@@ -57,9 +57,19 @@ struct header_buffer {
     heap_string longer;
 };
 
-// The text of a header value, in no more bytes than the value has itself; null without memory.
+// No text is longer than its value on the wire, but for raw Japanese, which may widen.
+std::size_t room_for(const char *language, const char *charset, char *value) {
+    const std::size_t length = std::strlen(value);
+    if (!language || std::strncmp(language, "ja", 2) != 0)
+        return length;
+    const std::int32_t estimate =
+        ZEL_InternetMessageHeaderToLocalLen(language, value, -1, charset, nullptr, -1);
+    return std::max(length, static_cast<std::size_t>(estimate));
+}
+
+// The text of a header value; null without memory.
 const char *decode_header(const char *language, const char *charset, char *value, header_buffer &buffer) {
-    const std::size_t size = std::strlen(value) + 1;
+    const std::size_t size = room_for(language, charset, value) + 1;
     char *text = buffer.fixed;
     if (size > sizeof buffer.fixed)
         text = (buffer.longer = allocate<char>(size)).get();
