@@ -6,6 +6,7 @@
 
 #pragma once
 
+#include "zel/base/charset_names.h"
 #include "zel/base/input.h"
 #include "zel/base/output.h"
 
@@ -17,9 +18,39 @@ namespace zel {
 
 using conversion = void(input from, output &to);
 
+// A pair of charsets that goes to a converter of our own.
+struct direct_route {
+    const char *from_charset;
+    const char *to_charset;
+    conversion *convert;
+
+    bool serves(const char *from, const char *to) const {
+        return same_charset(from_charset, from) && same_charset(to_charset, to);
+    }
+};
+
+template <std::size_t N>
+const direct_route *find_route(const direct_route (&routes)[N], const char *from, const char *to) {
+    const auto *route =
+        std::find_if(routes, routes + N, [&](const auto &each) { return each.serves(from, to); });
+    return route == routes + N ? nullptr : route;
+}
+
+// The whole result or nothing of it. No byte becomes more than two but in text that goes to ISO-2022-JP.
+inline bool put_whole(output &to, conversion &convert, input from) {
+    if (!fits(to, 2 * left(from))) {
+        output counted = counting_output();
+        convert(from, counted);
+        if (!fits(to, counted.length))
+            return false;
+    }
+    convert(from, to);
+    return true;
+}
+
 // The caller's buffer has room for the terminator whatever its size says.
-inline std::int32_t convert_buffer(conversion &convert, const char *from_buf, std::int32_t from_len,
-                                   char *to_buf, std::int32_t to_size) {
+inline std::int32_t convert_for_caller(conversion &convert, const char *from_buf, std::int32_t from_len,
+                                       char *to_buf, std::int32_t to_size) {
     output to = output_to(to_buf, std::max(to_size, 1));
     convert(input_from(from_buf, from_len), to);
     return finish(to);

@@ -228,17 +228,17 @@ int32_t is_hankakukana(unsigned char byte) {
 }
 
 int32_t eucjp2jis(const char *from_buf, int32_t from_len, char *to_buf, int32_t to_size) {
-    return zel::convert_buffer(zel::convert_eucjp_to_jis, from_buf, from_len, to_buf, to_size);
+    return zel::convert_for_caller(zel::convert_eucjp_to_jis, from_buf, from_len, to_buf, to_size);
 }
 
 int32_t sjis2jis(const char *from_buf, int32_t from_len, char *to_buf, int32_t to_size) {
-    return zel::convert_buffer(zel::convert_sjis_to_jis, from_buf, from_len, to_buf, to_size);
+    return zel::convert_for_caller(zel::convert_sjis_to_jis, from_buf, from_len, to_buf, to_size);
 }
 
 int32_t jis2eucjp(const char *from_buf, int32_t from_len, char *to_buf, int32_t to_size) {
-    return zel::convert_buffer(zel::convert_jis_to_eucjp, from_buf, from_len, to_buf, to_size);
+    return zel::convert_for_caller(zel::convert_jis_to_eucjp, from_buf, from_len, to_buf, to_size);
 }
 
 int32_t jis2sjis(const char *from_buf, int32_t from_len, char *to_buf, int32_t to_size) {
-    return zel::convert_buffer(zel::convert_jis_to_sjis, from_buf, from_len, to_buf, to_size);
+    return zel::convert_for_caller(zel::convert_jis_to_sjis, from_buf, from_len, to_buf, to_size);
 }

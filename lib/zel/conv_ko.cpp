@@ -56,5 +56,5 @@ void convert_iso2022kr_to_euckr(input from, output &to) {
 } // namespace zel
 
 int32_t iso2022kr2euckr(const char *from_buf, int32_t from_len, char *to_buf, int32_t to_size) {
-    return zel::convert_buffer(zel::convert_iso2022kr_to_euckr, from_buf, from_len, to_buf, to_size);
+    return zel::convert_for_caller(zel::convert_iso2022kr_to_euckr, from_buf, from_len, to_buf, to_size);
 }

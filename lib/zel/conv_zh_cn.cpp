@@ -92,13 +92,13 @@ void convert_gb_to_big5(input from, output &to) {
 } // namespace zel
 
 int32_t hz2gb(const char *from_buf, int32_t from_len, char *to_buf, int32_t to_size) {
-    return zel::convert_buffer(zel::convert_hz_to_gb, from_buf, from_len, to_buf, to_size);
+    return zel::convert_for_caller(zel::convert_hz_to_gb, from_buf, from_len, to_buf, to_size);
 }
 
 int32_t big2gb(const char *from_buf, int32_t from_len, char *to_buf, int32_t to_size) {
-    return zel::convert_buffer(zel::convert_big5_to_gb, from_buf, from_len, to_buf, to_size);
+    return zel::convert_for_caller(zel::convert_big5_to_gb, from_buf, from_len, to_buf, to_size);
 }
 
 int32_t gb2big5(const char *from_buf, int32_t from_len, char *to_buf, int32_t to_size) {
-    return zel::convert_buffer(zel::convert_gb_to_big5, from_buf, from_len, to_buf, to_size);
+    return zel::convert_for_caller(zel::convert_gb_to_big5, from_buf, from_len, to_buf, to_size);
 }

@@ -8,6 +8,7 @@
 #include "zel.h"
 #include "zel/base/charset_names.h"
 #include "zel/base/frame.h"
+#include "zel/base/input.h"
 #include "zel/base/output.h"
 #include "zel/policy/bundle_message.h"
 
@@ -37,10 +38,6 @@ L10nDirEntry zel_all_i18n_dirs[max_i18n_dirs] = {};
 int32_t zel_all_i18n_dir_count = 0;
 
 using open_directory = owned<PRDir, &PR_CloseDir>;
-
-bool has_text(const char *text) {
-    return text && *text;
-}
 
 // A root that is cut here leaves no room for the name of a bundle behind it, so that none is opened.
 void set_root(char (&to)[path_capacity], std::string_view root) {

@@ -16,6 +16,10 @@ struct input {
     const unsigned char *end;
 };
 
+inline bool has_text(const char *text) {
+    return text && *text;
+}
+
 // The bytes of a text that a NUL ends even before its length is used up.
 inline input input_from(const char *buf, std::int32_t len) {
     const auto *start = reinterpret_cast<const unsigned char *>(buf);

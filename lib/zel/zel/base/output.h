@@ -55,9 +55,14 @@ inline bool put(output &to, unsigned char byte) {
     return true;
 }
 
+// What fits in front of the terminator.
+inline std::size_t room_left(const output &to) {
+    return to.size > to.length ? to.size - to.length - 1 : 0;
+}
+
 // As much of a text as fits, for copies that may be cut at any byte.
 inline bool put_some(output &to, std::string_view text) {
-    const std::size_t room = to.size > to.length ? to.size - to.length - 1 : 0;
+    const std::size_t room = room_left(to);
     return put(to, text.substr(0, std::min(text.size(), room))) && text.size() <= room;
 }
 
@@ -65,6 +70,14 @@ inline bool put_some(output &to, std::string_view text) {
 inline std::int32_t finish(output &to) {
     if (to.start && to.length < to.size)
         to.start[to.length] = '\0';
+    return saturate(to.length);
+}
+
+// The same for what goes out as a string, which a zero byte within ends.
+inline std::int32_t finish_string(output &to) {
+    finish(to);
+    if (to.start)
+        to.length = strnlen(to.start, to.length);
     return saturate(to.length);
 }
 

@@ -1,5 +1,6 @@
 #include "zel/conversion/buffer_conversion.h"
 
+#include "conv.h"
 #include "conv_zh_cn.h"
 #include "zel.h"
 #include "zel/base/charset_names.h"
@@ -29,30 +30,12 @@ constexpr fixed_size fixed_sizes[] = {
     {ianaEUCJP, ianaISO2022JP, 2}, {ianaISO2022KR, ianaEUCKR, 2},
 };
 
-} // namespace
-
 // Pairs whose conversion stays out of ICU. The character map folds between traditional and simplified forms,
 // which no code page does.
-struct direct_route {
-    const char *from_charset;
-    const char *to_charset;
-    void (*convert)(input, output &);
-};
-
-namespace {
-
 constexpr direct_route direct_routes[] = {
     {ianaGB2312, ianaBIG5, convert_gb_to_big5},
     {ianaBIG5, ianaGB2312, convert_big5_to_gb},
 };
-
-template <class Row, std::size_t N>
-const Row *find_row(const Row (&rows)[N], const char *from_charset, const char *to_charset) {
-    for (const Row &row : rows)
-        if (same_charset(row.from_charset, from_charset) && same_charset(row.to_charset, to_charset))
-            return &row;
-    return nullptr;
-}
 
 std::int32_t copy(std::string_view text, char *to_buf, std::int32_t to_size) {
     output to = output_to(to_buf, to_size);
@@ -88,10 +71,6 @@ std::int32_t convert_by_icu(const EncodingConverter &converter, std::string_view
     return U_FAILURE(status) ? copy(text, to_buf, to_size) : length;
 }
 
-std::size_t room_left(const output &to) {
-    return to.size > to.length ? to.size - to.length - 1 : 0;
-}
-
 // An output that only counts takes the length that ICU would have needed.
 bool put_utf16(output &to, const EncodingConverter &converter, const utf16_text &wide,
                std::string_view text) {
@@ -121,14 +100,6 @@ void put_fitting_utf16(output &to, const EncodingConverter &converter, utf16_tex
     }
     wide.length = fitting && U16_IS_LEAD(wide.units.get()[fitting - 1]) ? fitting - 1 : fitting;
     put_utf16(to, converter, wide, {});
-}
-
-bool put_direct(output &to, const direct_route &route, std::string_view text) {
-    const std::size_t length = strnlen(text.data(), text.size()); // both charsets take the same bytes
-    if (!fits(to, length))
-        return false;
-    route.convert(input_from(text.data(), saturate(text.size())), to);
-    return true;
 }
 
 std::optional<bool> put_by_road(output &to, const EncodingConverter *pair, std::string_view text) {
@@ -166,8 +137,8 @@ lent_converter borrow_for(const charset_pair &pair, std::string_view text) {
     return borrow_converter(pair.from_charset, pair.to_charset);
 }
 
-void convert_directly(const direct_route &route, std::string_view text, output &to) {
-    route.convert(input_from(text.data(), saturate(text.size())), to);
+input bytes_of(std::string_view text) {
+    return input_from(text.data(), saturate(text.size()));
 }
 
 } // namespace
@@ -177,7 +148,7 @@ charset_pair look_up(const char *from_charset, const char *to_charset) {
     charset_pair pair = {from_charset, to_charset, false, nullptr, nullptr};
     pair.same = passes_through() || same_charset(from_charset, to_charset);
     if (!pair.same)
-        pair.direct = find_row(direct_routes, from_charset, to_charset);
+        pair.direct = find_route(direct_routes, from_charset, to_charset);
     if (!pair.same && !pair.direct)
         pair.cached = find_pair(from_charset, to_charset);
     return pair;
@@ -190,8 +161,10 @@ bool is_known(const charset_pair &pair) {
 std::int32_t result_size(const charset_pair &pair, std::size_t bytes) {
     if (pair.same)
         return saturate(bytes + 1);
-    if (const fixed_size *row = find_row(fixed_sizes, pair.from_charset, pair.to_charset))
-        return saturate(bytes * row->factor + 1);
+    for (const fixed_size &row : fixed_sizes)
+        if (same_charset(row.from_charset, pair.from_charset) &&
+            same_charset(row.to_charset, pair.to_charset))
+            return saturate(bytes * row.factor + 1);
     if (pair.cached)
         return estimate_size(pair.cached, bytes);
     return estimate_size(borrow_converter(pair.from_charset, pair.to_charset).get(), bytes);
@@ -203,7 +176,7 @@ std::optional<std::int32_t> convert_buffer(const charset_pair &pair, std::string
         return copy(text, to_buf, to_size);
     if (pair.direct) {
         output to = output_to(to_buf, to_size);
-        convert_directly(*pair.direct, text, to);
+        pair.direct->convert(bytes_of(text), to);
         return finish(to);
     }
     if (const auto length = convert_fast(pair, text, to_buf, to_size))
@@ -225,7 +198,7 @@ bool put_converted(output &to, const charset_pair &pair, std::string_view text) 
     if (text.empty() || pair.same)
         return put(to, text);
     if (pair.direct)
-        return put_direct(to, *pair.direct, text);
+        return put_whole(to, *pair.direct->convert, bytes_of(text));
     if (const auto put_fast = put_by_road(to, pair.cached, text))
         return *put_fast;
     const lent_converter converter = borrow_for(pair, text);
@@ -239,7 +212,7 @@ bool put_some_converted(output &to, const charset_pair &pair, std::string_view t
     if (pair.same)
         return put_some(to, text);
     if (pair.direct) {
-        convert_directly(*pair.direct, text, to);
+        pair.direct->convert(bytes_of(text), to);
         return false;
     }
     const lent_converter converter = borrow_for(pair, text);

@@ -3,6 +3,7 @@
 //
 // Invariant: output goes straight into the caller's buffer, no byte of it past to_size.
 
+#include "conv.h"
 #include "conv_ja.h"
 #include "conv_ko.h"
 #include "conv_zh_cn.h"
@@ -32,24 +33,22 @@ bool goes_between(const body &from, const char *from_charset, const char *to_cha
 }
 
 // The first two letters of the language open a route, whatever follows them.
-struct direct_route {
+struct body_route {
     const char *language;
-    const char *from_charset;
-    const char *to_charset;
-    void (*convert)(input, output &);
+    direct_route route;
 };
 
-constexpr direct_route direct_routes[] = {
-    {"ja", ianaISO2022JP, ianaEUCJP, convert_jis_to_eucjp},
-    {"ja", ianaISO2022JP, ianaSHIFTJIS, convert_jis_to_sjis},
-    {"ko", ianaISO2022KR, ianaEUCKR, convert_iso2022kr_to_euckr},
-    {"zh", ianaHZ, ianaGB2312, convert_hz_to_gb},
+constexpr body_route body_routes[] = {
+    {"ja", {ianaISO2022JP, ianaEUCJP, convert_jis_to_eucjp}},
+    {"ja", {ianaISO2022JP, ianaSHIFTJIS, convert_jis_to_sjis}},
+    {"ko", {ianaISO2022KR, ianaEUCKR, convert_iso2022kr_to_euckr}},
+    {"zh", {ianaHZ, ianaGB2312, convert_hz_to_gb}},
 };
 
-const direct_route *find_direct_route(const body &from) {
-    for (const direct_route &route : direct_routes)
-        if (from.language && std::strncmp(from.language, route.language, 2) == 0 &&
-            goes_between(from, route.from_charset, route.to_charset))
+const direct_route *find_open_route(const body &from) {
+    for (const auto &[language, route] : body_routes)
+        if (from.language && std::strncmp(from.language, language, 2) == 0 &&
+            route.serves(from.pair.from_charset, from.pair.to_charset))
             return &route;
     return nullptr;
 }
@@ -74,7 +73,7 @@ std::int32_t convert_directly(const direct_route &route, std::string_view bytes,
                               std::int32_t to_size) {
     output to = output_to(to_buf, to_size);
     route.convert(input_from(bytes.data(), saturate(bytes.size())), to);
-    const std::int32_t length = finish(to);
+    const std::int32_t length = finish_string(to);
     if (to.size > 0)
         checkstringvalidity(route.to_charset, to_buf, to.length);
     return length;
@@ -96,7 +95,7 @@ std::int32_t _InternetMessageBodyToLocal(const body &from, char *to_buf, std::in
         return no_converter;
     if (to_size < 0)
         return estimate(from);
-    if (const direct_route *route = find_direct_route(from))
+    if (const direct_route *route = find_open_route(from))
         return convert_directly(*route, from.bytes, to_buf, to_size);
     return convert_by_buffer(from, to_buf, to_size);
 }
@@ -110,7 +109,7 @@ int32_t ZEL_InternetMessageBodyLocalToLocalLen(const char *language, const char 
                                                const char *from_buf, int32_t from_len, const char *to_charset,
                                                char *to_buf, int32_t to_size) {
     require_started();
-    const bool is_given = from_charset && *from_charset;
+    const bool is_given = has_text(from_charset);
     const std::size_t length = from_len < 0 ? std::strlen(from_buf) : static_cast<std::size_t>(from_len);
     const charset_pair pair = look_up(is_given ? from_charset : mail_charset(language), to_charset);
     const body from = {language, pair, {from_buf, length}};

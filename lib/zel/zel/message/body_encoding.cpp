@@ -5,6 +5,7 @@
 // Invariant: the text is not copied before the transfer step unless it is converted, and a conversion that no
 // transfer step follows writes straight into the caller's buffer.
 
+#include "conv.h"
 #include "conv_ja.h"
 #include "zel.h"
 #include "zel/base/charset_names.h"
@@ -23,17 +24,15 @@ constexpr std::int32_t no_text = -1;
 constexpr std::int32_t unknown_language = -2;
 constexpr std::int32_t no_converter = -5;
 
-using jis_encoder = void (*)(input, output &);
-
 struct body {
     std::string_view text;
     charset_pair pair;  // into the charset on the wire
     bool same;          // the text is in that charset already
-    jis_encoder direct; // null where the conversion goes its general road
+    conversion *direct; // null where the conversion goes its general road
     bool quoted_printable;
 };
 
-jis_encoder direct_encoder(LanguageID id, const char *from_charset) {
+conversion *direct_encoder(LanguageID id, const char *from_charset) {
     if (id != japanese)
         return nullptr;
     if (same_charset(from_charset, ianaEUCJP))
@@ -97,7 +96,7 @@ using namespace zel;
 
 int32_t ZEL_LocalToInternetMessageBody(const char *language, const char *from_charset, const char *from_buf,
                                        char *to_buf, int32_t to_size, int32_t qp_for_8bit) {
-    if (!from_buf || !*from_buf)
+    if (!has_text(from_buf))
         return no_text;
     require_started();
     const LanguageID id = checkLanguage(language);
@@ -110,7 +109,7 @@ int32_t ZEL_LocalToInternetMessageBody(const char *language, const char *from_ch
         return estimate(from);
     output to = output_to(to_buf, to_size);
     put_body(from, to);
-    return finish(to);
+    return finish_string(to);
 }
 
 int32_t ZEL_UTF8ToInternetMessageBody(const char *language, const char *from_buf, char *to_buf,

@@ -5,6 +5,7 @@
 // Invariant: the text is read up to its terminator in one pass, and what does not fit stops the output behind
 // the last whole word or character.
 
+#include "conv.h"
 #include "conv_ja.h"
 #include "zel.h"
 #include "zel/base/charset_names.h"
@@ -133,20 +134,18 @@ struct header_pass {
     char *decoded; // room for the longest raw text; null where there is no memory
 };
 
-enum class road { raw, copy, jis_to_eucjp, jis_to_sjis, by_pair };
+enum class road { raw, copy, direct, by_pair };
 
 struct word_road {
     road how;
     charset_pair pair;
+    const direct_route *direct;
 };
 
-road jis_road(const char *from_charset, const char *to_charset) {
-    if (same_charset(from_charset, ianaISO2022JP) && same_charset(to_charset, ianaEUCJP))
-        return road::jis_to_eucjp;
-    if (same_charset(from_charset, ianaISO2022JP) && same_charset(to_charset, ianaSHIFTJIS))
-        return road::jis_to_sjis;
-    return road::by_pair;
-}
+constexpr direct_route jis_routes[] = {
+    {ianaISO2022JP, ianaEUCJP, convert_jis_to_eucjp},
+    {ianaISO2022JP, ianaSHIFTJIS, convert_jis_to_sjis},
+};
 
 bool is_one_of(char character, std::string_view set) {
     return set.find(character) != std::string_view::npos;
@@ -154,11 +153,14 @@ bool is_one_of(char character, std::string_view set) {
 
 word_road choose_road(const header_pass &pass, const encoded_word &word) {
     if (!pass.decoded || !is_known_charset(pass.language, word.charset) || !is_one_of(word.encoding, "BbQq"))
-        return {road::raw, {}};
+        return {road::raw, {}, nullptr};
     if (same_charset(word.charset, pass.to_charset))
-        return {road::copy, {}};
+        return {road::copy, {}, nullptr};
     const charset_pair pair = look_up(word.charset, pass.to_charset);
-    return {is_known(pair) ? jis_road(word.charset, pass.to_charset) : road::raw, pair};
+    if (!is_known(pair))
+        return {road::raw, {}, nullptr};
+    const direct_route *direct = find_route(jis_routes, word.charset, pass.to_charset);
+    return {direct ? road::direct : road::by_pair, pair, direct};
 }
 
 // Up to the first zero byte.
@@ -166,20 +168,6 @@ std::string_view decode(const header_pass &pass, const encoded_word &word) {
     const std::size_t length =
         is_one_of(word.encoding, "Bb") ? decode_b(word.raw, pass.decoded) : decode_q(word.raw, pass.decoded);
     return {pass.decoded, strnlen(pass.decoded, length)};
-}
-
-using jis_converter = void (*)(input, output &);
-
-// No byte of JIS text becomes more than two.
-bool put_whole(output &to, jis_converter convert, input from) {
-    if (!fits(to, 2 * left(from))) {
-        output counted = counting_output();
-        convert(from, counted);
-        if (!fits(to, counted.length))
-            return false;
-    }
-    convert(from, to);
-    return true;
 }
 
 input bytes_of(std::string_view text) {
@@ -194,10 +182,8 @@ bool put_word(const header_pass &pass, const encoded_word &word, output &to) {
     switch (chosen.how) {
     case road::copy:
         return put(to, decoded);
-    case road::jis_to_eucjp:
-        return put_whole(to, convert_jis_to_eucjp, bytes_of(decoded));
-    case road::jis_to_sjis:
-        return put_whole(to, convert_jis_to_sjis, bytes_of(decoded));
+    case road::direct:
+        return put_whole(to, *chosen.direct->convert, bytes_of(decoded));
     default:
         return put_converted(to, chosen.pair, decoded);
     }
@@ -215,14 +201,10 @@ void put_tail(const header_pass &pass, std::string_view tail, output &to) {
                 return;
         return;
     }
-    switch (jis_road(ianaISO2022JP, pass.to_charset)) {
-    case road::jis_to_eucjp:
-        return convert_jis_to_eucjp(bytes_of(tail), to);
-    case road::jis_to_sjis:
-        return convert_jis_to_sjis(bytes_of(tail), to);
-    default:
+    if (const direct_route *direct = find_route(jis_routes, ianaISO2022JP, pass.to_charset))
+        direct->convert(bytes_of(tail), to);
+    else
         put_some_converted(to, look_up(ianaISO2022JP, pass.to_charset), tail);
-    }
 }
 
 bool put_piece(const header_pass &pass, const piece &taken, output &to) {
@@ -321,7 +303,7 @@ int32_t ZEL_InternetMessageHeaderToLocalLen(const char *language, char *text, in
         return estimate(pass, from_len);
     output to = output_to(to_buf, to_size);
     put_value(pass, to);
-    const std::int32_t count = finish(to);
+    const std::int32_t count = finish_string(to);
     if (to.size > 0)
         checkstringvalidity(to_charset, to_buf, to.length);
     return count;

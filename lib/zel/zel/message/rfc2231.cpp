@@ -8,6 +8,7 @@
 #include "zel.h"
 #include "zel/base/charset_names.h"
 #include "zel/base/frame.h"
+#include "zel/base/input.h"
 #include "zel/base/output.h"
 #include "zel/base/transfer_encoding.h"
 #include "zel/conversion/buffer_conversion.h"
@@ -44,7 +45,10 @@ heap_string percent_encode(std::string_view text) {
     for (const char character : text) {
         const auto byte = static_cast<unsigned char>(character);
         const char triple[] = {'%', hexdigits[byte >> 4], hexdigits[byte & 0xF]};
-        stands_for_itself(byte) ? put(to, byte) : put(to, {triple, sizeof triple});
+        if (stands_for_itself(byte))
+            put(to, byte);
+        else
+            put(to, {triple, sizeof triple});
     }
     finish(to);
     return encoded;
@@ -76,11 +80,10 @@ bool put_prefix(output &to, const parameter &names, segment current) {
     return put(to, "*=") && put(to, names.charset) && put(to, "'") && put(to, names.language) && put(to, "'");
 }
 
-bool put_whole_prefix(output &to, const parameter &names, segment current, std::size_t &length) {
+std::size_t prefix_length(const parameter &names, segment current) {
     output counted = counting_output();
     put_prefix(counted, names, current);
-    length = counted.length;
-    return fits(to, length) && put_prefix(to, names, current);
+    return counted.length;
 }
 
 bool is_digit(char character) {
@@ -103,7 +106,7 @@ std::size_t cut_behind_triple(std::string_view rest, std::size_t cut) {
 bool put_triples(output &to, std::string_view encoded) {
     if (put(to, encoded))
         return true;
-    std::string_view some = encoded.substr(0, to.size > to.length ? to.size - to.length - 1 : 0);
+    std::string_view some = encoded.substr(0, room_left(to));
     if (const std::size_t last = some.rfind('%'); last != std::string_view::npos && last + 3 > some.size())
         some = some.substr(0, last);
     put(to, some);
@@ -116,20 +119,16 @@ void put_segments(output &to, const parameter &names, std::string_view rest) {
     const char *plain = last_triple == std::string_view::npos ? rest.data() : rest.data() + last_triple + 1;
     for (segment current = {0, false};; ++current.index) {
         current.quoted = current.index > 0 && rest.data() >= plain;
-        const std::string_view quote = current.quoted ? "\"" : "";
-        std::size_t prefix = 0;
-        if (!put_whole_prefix(to, names, current, prefix))
+        const std::string_view line_end = current.index > 0 ? ";\r\n" : ""; // of the line before
+        const std::size_t prefix = prefix_length(names, current);
+        if (!fits(to, line_end.size() + prefix) || !put(to, line_end) || !put_prefix(to, names, current))
             return;
         const bool last = prefix > line_limit || rest.size() < line_limit - prefix;
         const std::size_t cut = last ? rest.size() : cut_behind_triple(rest, line_limit - prefix);
-        if (!put_triples(to, rest.substr(0, cut)) || !put(to, quote) || last || !put(to, ";\r\n"))
+        if (!put_triples(to, rest.substr(0, cut)) || !put(to, current.quoted ? "\"" : "") || last)
             return;
         rest.remove_prefix(cut);
     }
-}
-
-bool is_given(const char *name) {
-    return name && *name;
 }
 
 parameter names_of(const char *language, const char *param_name, const char *text) {
@@ -139,7 +138,7 @@ parameter names_of(const char *language, const char *param_name, const char *tex
 }
 
 bool needs_conversion(const parameter &names, const char *from_charset) {
-    return is_given(from_charset) && !names.charset.empty();
+    return has_text(from_charset) && !names.charset.empty();
 }
 
 // False where the conversion gave no result; the output is then as it was.
@@ -224,7 +223,8 @@ void put_value(output &to, const extended_value &value, const char *decoded, con
     const heap_string converted = local_to_local(decoded, value.charset, to_charset);
     if (!converted || put(to, converted.get()))
         return;
-    if (*value.charset)
+    const bool is_copy = std::strcmp(converted.get(), decoded) == 0;
+    if (!is_copy)
         put_some_converted(to, look_up(value.charset, or_local_charset(to_charset)), decoded);
     else
         put_some(to, decoded);
@@ -250,7 +250,7 @@ using namespace zel;
 
 int32_t ZEL_LocalToRFC2231(const char *language, const char *param_name, const char *from_charset,
                            const char *text, char *to_buf, int32_t to_size) {
-    if (!is_given(text)) {
+    if (!has_text(text)) {
         *to_buf = '\0';
         return 0;
     }
@@ -266,7 +266,7 @@ int32_t ZEL_LocalToRFC2231(const char *language, const char *param_name, const c
 
 int32_t ZEL_RFC2231ToLocal(const char *, const char *text, const char *to_charset, char *to_buf,
                            int32_t to_size) {
-    if (!is_given(text)) {
+    if (!has_text(text)) {
         *to_buf = '\0';
         return 0;
     }

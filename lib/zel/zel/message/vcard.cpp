@@ -7,6 +7,7 @@
 #include "zel.h"
 #include "zel/base/charset_names.h"
 #include "zel/base/frame.h"
+#include "zel/base/input.h"
 #include "zel/base/output.h"
 #include "zel/base/transfer_encoding.h"
 #include "zel/conversion/converter_cache.h"
@@ -41,7 +42,7 @@ using namespace zel;
 char *ZEL_LocalToVCard21(const char *language, const char *from_charset, const char *text) {
     if (!text)
         return nullptr;
-    if (!*text || !from_charset || !*from_charset)
+    if (!*text || !has_text(from_charset))
         return duplicate(text).release();
     require_started();
     const char *charset = http_charset(language);
