@@ -499,8 +499,8 @@ ZEL_API int32_t ZEL_ApplyBase64Encoding(const char *from_buf, int32_t from_len, 
  *
  * - Fails: a piece that cannot be converted is framed as it is.
  * - Stops: before the start.
- * - Writes: into `text` during the call, which is back as it was when it returns.
- * - RFC: 2047.
+ * - Writes: `text` may be written to during the call; it is as it was when it returns.
+ * - RFC: 2047. A value of "Q" words whose last byte fills its line ends in CR LF, which the caller trims.
  */
 ZEL_API int32_t ZEL_LocalToInternetMessageHeader(const char *language, const char *from_charset, char *text,
                                                  char *to_buf, int32_t to_size);
@@ -567,7 +567,7 @@ ZEL_API int32_t ZEL_LocalToRFC2231(const char *language, const char *param_name,
 
 /**
  * Reads the value of an extended parameter, of which the host has joined the lines: charset, "'", language,
- * "'" and percent-encoded text. Without a "'" all of it is the text, and nothing is converted.
+ * "'" and percent-encoded text. With fewer than two "'" all of it is the text, and nothing is converted.
  *
  * @param language not used; may be null
  * @param text the value; null and empty give an empty result
