@@ -99,7 +99,7 @@ utf8_character in_utf8(UChar character) {
 }
 
 void take_pairs(code_table &table, const probe &from, unsigned char lead) {
-    utf8_character *row = &table.pairs[(lead & 0x7F) << 8];
+    utf8_character *row = &table.pairs[(lead & 0x7FU) << 8];
     const bool seven_bit = !from.before.empty();
     for (unsigned trail = seven_bit ? 0x21 : 0x30; trail < (seven_bit ? 0x7F : 0xFF); ++trail)
         row[trail] = in_utf8(pair_character(from, lead, static_cast<unsigned char>(trail)));
