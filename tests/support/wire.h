@@ -1,5 +1,5 @@
 // What the tests of headers, parameters and bodies share: functions that are called twice, for the size and
-// then for the text; where a text may stop that does not fit; and input that no one should send.
+// for the text; where a text may stop that does not fit; and input that no one should send.
 
 #pragma once
 
@@ -28,12 +28,12 @@ std::string in_two_calls(Call call, std::int32_t left_to_caller = 0) {
 // Whether a text may stop between the two parts.
 using unit_rule = bool (*)(const std::string &written, const std::string &rest);
 
-inline bool is_character_end(const std::string &, const std::string &rest) {
-    return (rest.front() & 0xC0) != 0x80;
+inline bool is_any_end(const std::string &, const std::string &) {
+    return true;
 }
 
-inline bool is_pair_end(const std::string &written, const std::string &) {
-    return written.size() % 2 == 0;
+inline bool is_character_end(const std::string &, const std::string &rest) {
+    return (rest.front() & 0xC0) != 0x80;
 }
 
 template <char mark>
@@ -42,8 +42,7 @@ bool is_triple_end(const std::string &written, const std::string &) {
     return last == std::string::npos || last + 3 <= written.size();
 }
 
-// Whatever the size, a beginning of the whole text is written, of whole units and as many as there is room
-// for.
+// Whatever the size, a beginning of the text is written, of whole units and as many as there is room for.
 template <class Call>
 void expect_whole_units(Call call, const std::string &whole, unit_rule may_stop, std::size_t longest_unit) {
     for_every_size(static_cast<std::int32_t>(whole.size() + 1), [&](const exact_buffer &to) {
@@ -63,32 +62,42 @@ class hostile_source {
 public:
     std::string text() {
         static constexpr std::string_view pieces[] = {
-            "=?",    "?=",       "?B?",       "?q?",    "=?utf-8?B?", "=?ISO-2022-JP*ja?Q?",
-            "\r\n ", "\r\n\t=?", "\x1B$B$\"", "\x1B(B", "\x0E!",      "~{VP~}",
-            "'",     "utf-8'x'", "%A4",       "=A4",    "pEA=",       "日本",
-            "\xA4@", "\x8E\xB1", "\xE9",      " ",      "abc",        "\x83\\"};
+            "=?",       "?=",     "?B?",   "?q?",      "=?utf-8?B?", "=?ISO-2022-JP*ja?Q?",
+            "\r\n ",    "\x1B(B", "\x0E!", "\r\n\t=?", "utf-8'x'",   "\x1B$B$\"",
+            "~{VP~}",   "%A4",    "=A4",   "pEA=",     "日本",       "\xA4@",
+            "\x8E\xB1", " ",      "abc",   "\x83\\",   "'",          "\xE9"};
         std::string made;
         for (std::size_t count = below(24); count; --count)
-            made += below(2) ? std::string(pieces[below(std::size(pieces))]) : any_byte();
+            made += below(2) ? std::string(pieces[below(std::size(pieces))])
+                             : std::string(1 + below(3), static_cast<char>(1 + below(255)));
         return made;
     }
     std::string language() {
         return one_of(
-            {"en", "de", "ja", "ja-x", "ko", "zh", "zh-CN", "zh_CN", "zh-TW", "zh_TW", "yi", "th", "xx", ""});
+            {"en", "de", "ja", "ja-x", "ko", "zh", "zh-CN", "zh-TW", "zh_TW", "yi", "th", "xx", ""});
     }
     std::string charset() {
         return one_of({"UTF-8", "utf-7", "iso-8859-15", "iso-2022-jp", "euc-jp", "Shift_JIS", "euc-kr",
-                       "iso-2022-kr", "gb2312", "hz-gb-2312", "big5", "us-ascii", "UTF-16BE"});
+                       "iso-2022-kr", "gb2312", "hz-gb-2312", "big5", "us-ascii"});
     }
     std::size_t below(std::size_t end) { return random_() % end; }
 
 private:
-    std::string any_byte() { return std::string(1 + below(3), static_cast<char>(1 + below(255))); }
     std::string one_of(std::initializer_list<const char *> given) {
         return below(16) ? given.begin()[below(given.size())] : text();
     }
     std::mt19937 random_{20};
 };
+
+template <class Test>
+void for_hostile_input(int rounds, Test test) {
+    hostile_source hostile;
+    while (rounds-- && !testing::Test::HasFailure()) {
+        const std::string language = hostile.language(), charset = hostile.charset(), text = hostile.text();
+        SCOPED_TRACE(language + " " + charset + " " + testing::PrintToString(text));
+        test(hostile, language.c_str(), charset.c_str(), text);
+    }
+}
 
 // The size that is asked for takes all that a larger buffer takes, and a smaller one is kept to.
 template <class Call>
@@ -96,10 +105,7 @@ void expect_enough(Call call, hostile_source &hostile, std::int32_t left_to_call
     const auto written = [&](std::size_t size) {
         const exact_buffer to(size);
         const std::int32_t length = call(to.data(), to.length());
-        if (size == 0)
-            return std::string();
-        EXPECT_LT(length, to.length());
-        EXPECT_EQ(to.data()[length], '\0');
+        EXPECT_TRUE(size == 0 || (length < to.length() && to.data()[length] == '\0'));
         return std::string(to.data(), static_cast<std::size_t>(length));
     };
     const auto need = static_cast<std::size_t>(call(nullptr, -1) + left_to_caller);

@@ -1,0 +1,169 @@
+// Received bodies: the charset that is assumed, the direct routes, and the four functions that are one.
+
+#include "scratch.h"
+#include "support.h"
+#include "wire.h"
+
+namespace {
+
+struct body {
+    const char *language, *from_charset;
+    std::string bytes;
+    const char *to_charset;
+};
+
+auto decoder_of(const body &from, char ignored = 'x') {
+    return [=](char *to_buf, int32_t to_size) {
+        const exact_buffer bytes(from.bytes);
+        return ZEL_InternetMessageBodyLocalToLocalLen(from.language, from.from_charset, ignored, bytes.data(),
+                                                      bytes.length(), from.to_charset, to_buf, to_size);
+    };
+}
+
+// The functions that can be given the body have to agree, whatever they are told to ignore.
+std::string decoded(const body &from) {
+    const auto &[language, from_charset, bytes, to_charset] = from;
+    const exact_buffer text = exact_string(bytes);
+    const auto length = static_cast<int32_t>(bytes.size());
+    const std::string first = in_two_calls(decoder_of(from), 1);
+    for (const char ignored : {'\0', 'b', '\xFF'}) {
+        const auto expect_same = [&](auto call) { EXPECT_EQ(in_two_calls(call, 1), first); };
+        expect_same(decoder_of(from, ignored));
+        expect_same([&](char *to, int32_t size) {
+            return ZEL_InternetMessageBodyLocalToLocal(language, from_charset, ignored, text.data(),
+                                                       to_charset, to, size);
+        });
+        if (from_charset && *from_charset)
+            continue;
+        expect_same([&](char *to, int32_t size) {
+            return ZEL_InternetMessageBodyToLocal(language, ignored, text.data(), to_charset, to, size);
+        });
+        expect_same([&](char *to, int32_t size) {
+            return ZEL_InternetMessageBodyToLocalLen(language, ignored, text.data(), length, to_charset, to,
+                                                     size);
+        });
+    }
+    return first;
+}
+
+const std::string too_long(121, 'l');
+
+TEST(BodyDecoding, a_body_is_read_in_its_charset_or_in_that_of_the_language) {
+    start_library();
+    const struct {
+        body from;
+        std::string text;
+        unit_rule may_stop;
+    } rows[] = {{{"ja", nullptr, "\x1B$BF|K\\\x1B(Bx", "UTF-8"}, "日本x", is_character_end},
+                {{"de", "", "\xA4", "UTF-8"}, "€", is_character_end},
+                {{"xx", nullptr, "abc", "UTF-8"}, "abc", is_any_end},
+                {{too_long.c_str(), nullptr, "abc", "UTF-8"}, "abc", is_any_end},
+                {{nullptr, nullptr, "abc", "us-ascii"}, "abc", is_any_end},
+                {{nullptr, "UTF-8", "\xE2\x82", "utf-8"}, "\xE2\x82", is_any_end},
+                {{"ko", "iso-8859-1", "\xE9", "euc-kr"}, "\x1A", is_any_end},
+                {{"zh", "gb2312", "\xD6\xD0\xD6\xD0", "big5"}, "\xA4\xA4\xA4\xA4", is_any_end},
+                {{"ja", nullptr, "", "iso-2022-jp"}, "", is_any_end},
+                {{"de", nullptr, "", "UTF-8"}, "", is_any_end}};
+    for (const auto &row : rows) {
+        EXPECT_EQ(decoded(row.from), row.text);
+        expect_whole_units(decoder_of(row.from), row.text, row.may_stop, 4);
+    }
+}
+
+TEST(BodyDecoding, two_small_letters_open_the_direct_routes_whose_results_are_repaired) {
+    start_library();
+    const std::string jis = "\x1B$BF|K\\\x1B(B\xB0",
+                      kr = "\x1B$)C\x0E"
+                           "0!\x0F\xB0",
+                      hz = "~{VP~}\xB0";
+    const struct {
+        body from;
+        std::string text;
+    } rows[] = {{{"ja-JP", "iso-2022-jp", jis, "EUC-JP"}, "\xC6\xFC\xCB\xDC?"},
+                {{"ja", "ISO-2022-JP", jis, "shift_jis"}, "\x93\xFA\x96{?"},
+                {{"ko", "iso-2022-kr", kr, "euc-kr"}, "\xB0\xA1?"},
+                {{"zh_TW", "hz-gb-2312", hz, "gb2312"}, "\xD6\xD0?"},
+                {{"zh", "hz-gb-2312", hz, "GB2312"}, "\xD6\xD0?"}};
+    for (const auto &[from, text] : rows) {
+        EXPECT_EQ(decoded(from), text);
+        expect_whole_units(
+            decoder_of(from), text, [](auto &, auto &rest) { return rest.size() % 2 == 1; }, 2);
+        for (const char *closed : {"JA", "KO", "ZH", "en", static_cast<const char *>(nullptr)})
+            EXPECT_FALSE(decoded({closed, from.from_charset, from.bytes, from.to_charset}).ends_with("?"));
+    }
+}
+
+TEST(BodyDecoding, zero_bytes_are_kept_by_copies_and_conversions) {
+    start_library();
+    const std::string zero("a\0\xE9\0", 4);
+    for (const auto &[to_charset, text] :
+         {std::pair{"ISO-8859-1", zero}, {"UTF-8", std::string("a\0\xC3\xA9\0", 5)}}) {
+        const exact_buffer to(13);
+        const int32_t length = decoder_of({"en", "iso-8859-1", zero, to_charset})(to.data(), to.length());
+        EXPECT_EQ(to.bytes().substr(0, static_cast<std::size_t>(length) + 1), text + '\0');
+    }
+}
+
+TEST(BodyDecoding, the_size_is_that_of_the_conversion_and_may_fall_short) {
+    start_library();
+    const struct {
+        body from;
+        int32_t size;
+    } rows[] = {{{"ko", "iso-2022-kr", "abc", "euc-kr"}, 6}, {{nullptr, "iso-2022-kr", "", "euc-kr"}, 0},
+                {{"ja", nullptr, "abc", "euc-jp"}, 7},       {{"ja", nullptr, "abc", "Shift_JIS"}, 4},
+                {{"de", "UTF-8", "abc", "utf-8"}, 4},        {{"de", "UTF-8", "", "utf-8"}, 1},
+                {{"de", nullptr, "abc", "UTF-8"}, 10},       {{"de", "iso-8859-1", "\xE9", "UTF-7"}, 5}};
+    for (const auto &row : rows)
+        EXPECT_EQ(decoder_of(row.from)(nullptr, -1), row.size);
+    const exact_buffer full(5), none(std::size_t{0});
+    EXPECT_EQ(decoder_of({"de", "iso-8859-1", "\xE9", "UTF-7"})(full.data(), 5), 5);
+    EXPECT_EQ(full.bytes(), "+AOk-");
+    EXPECT_EQ(decoder_of({"ko", "iso-2022-kr", "", "euc-kr"})(none.data(), 0), 0);
+}
+
+TEST(BodyDecoding, the_bundle_names_the_charset_of_a_language) {
+    const custom_bundle bundle("mail|de = koi8-r\n");
+    start_library(bundle.root().c_str());
+    EXPECT_EQ(decoded({"de", nullptr, "\xD6", "UTF-8"}), "ж");
+}
+
+TEST(BodyDecoding, no_converter_is_the_one_error) {
+    start_library();
+    const exact_buffer to(8);
+    for (const body &from : {body{"de", "nonsense", "x", "UTF-8"},
+                             {"ko", "iso-2022-kr", "x", "nonsense"},
+                             {"zh", nullptr, "", "nonsense"},
+                             {"ja", "nonsense", "x", "euc-jp"}})
+        for (const int32_t to_size : {-1, 8})
+            EXPECT_EQ(decoder_of(from)(to.data(), to_size), -5);
+    EXPECT_TRUE(to.untouched());
+}
+
+TEST(BodyDecoding, ten_megabytes_and_hostile_bodies_stay_within_their_buffers) {
+    start_library();
+    const std::string jis = "\x1B$B" + repeated("F|", 5 << 20);
+    EXPECT_EQ(in_two_calls(decoder_of({"ja", nullptr, jis, "euc-jp"})).size(), 10u << 20);
+    EXPECT_EQ(in_two_calls(decoder_of({"ja", nullptr, jis, "UTF-8"})).size(), 15u << 20);
+    for_hostile_input(5000, [](auto &hostile, auto language, auto charset, auto &text) {
+        const std::string to_charset = hostile.charset();
+        const auto call = decoder_of({language, charset, text + '\0', to_charset.c_str()});
+        const int32_t need = call(nullptr, -1), short_size = static_cast<int32_t>(hostile.below(64));
+        for (const int32_t size : {std::max(need, 0), short_size}) {
+            const exact_buffer to(static_cast<std::size_t>(size));
+            const int32_t length = call(to.data(), size);
+            EXPECT_EQ(length == -5, need == -5);
+            EXPECT_TRUE(length < 0 || length == size || (length < size && to.data()[length] == '\0'));
+        }
+    });
+}
+
+TEST(BodyDecoding, needs_a_started_library_and_takes_only_the_direct_routes_in_passthrough) {
+    for (const char *from_charset : {"UTF-8", static_cast<const char *>(nullptr)})
+        EXPECT_DEATH(decoder_of({"de", from_charset, "x", "UTF-8"})(nullptr, -1), "NOT_INITIALIZED");
+    start_library();
+    gf_ZELStatus = ZEL_STATUS_PASSTHROUGH;
+    EXPECT_EQ(decoded({"ja", nullptr, "\x1B$BF|\x1B(B", "euc-jp"}), "\xC6\xFC");
+    EXPECT_EQ(decoded({"ja", nullptr, "\x1B$BF|\x1B(B", "UTF-8"}), "\x1B$BF|\x1B(B");
+}
+
+} // namespace
