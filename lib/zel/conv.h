@@ -25,7 +25,7 @@ struct direct_route {
     conversion *convert;
 
     bool serves(const char *from, const char *to) const {
-        return same_charset(from_charset, from) && same_charset(to_charset, to);
+        return same_name(from_charset, from) && same_name(to_charset, to);
     }
 };
 

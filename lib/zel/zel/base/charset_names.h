@@ -35,8 +35,9 @@ inline constexpr const char *ianaHZ = "hz-gb-2312";
 inline constexpr const char *ianaBIG5 = "big5";
 inline constexpr const char *ianaWINDOWS1252 = "windows-1252";
 
-// Most names differ in their first letter already.
-inline bool same_charset(const char *first, const char *second) {
+// Names of charsets and languages are compared without regard to case. Most differ in their first letter
+// already.
+inline bool same_name(const char *first, const char *second) {
     return ((*first ^ *second) & ~0x20) == 0 && strcasecmp(first, second) == 0;
 }
 

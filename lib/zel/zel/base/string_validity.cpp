@@ -56,11 +56,11 @@ constexpr double_byte_family big5{kinds_by(big5_kind), false};
 
 const double_byte_family *family_of(const char *charset) {
     for (const char *const name : {ianaEUCKR, ianaEUCJP, ianaGB2312, ianaKSC5601})
-        if (same_charset(charset, name))
+        if (same_name(charset, name))
             return &euc;
-    if (same_charset(charset, ianaSHIFTJIS))
+    if (same_name(charset, ianaSHIFTJIS))
         return &shift_jis;
-    return same_charset(charset, ianaBIG5) ? &big5 : nullptr;
+    return same_name(charset, ianaBIG5) ? &big5 : nullptr;
 }
 
 bool has_high_bit(char byte) {

@@ -146,7 +146,7 @@ input bytes_of(std::string_view text) {
 charset_pair look_up(const char *from_charset, const char *to_charset) {
     require_started();
     charset_pair pair = {from_charset, to_charset, false, nullptr, nullptr};
-    pair.same = passes_through() || same_charset(from_charset, to_charset);
+    pair.same = passes_through() || same_name(from_charset, to_charset);
     if (!pair.same)
         pair.direct = find_route(direct_routes, from_charset, to_charset);
     if (!pair.same && !pair.direct)
@@ -162,8 +162,8 @@ std::int32_t result_size(const charset_pair &pair, std::size_t bytes) {
     if (pair.same)
         return saturate(bytes + 1);
     for (const fixed_size &row : fixed_sizes)
-        if (same_charset(row.from_charset, pair.from_charset) &&
-            same_charset(row.to_charset, pair.to_charset))
+        if (same_name(row.from_charset, pair.from_charset) &&
+            same_name(row.to_charset, pair.to_charset))
             return saturate(bytes * row.factor + 1);
     if (pair.cached)
         return estimate_size(pair.cached, bytes);

@@ -40,7 +40,7 @@ probe open_probe(const char *charset) {
     probe opened = {icu_converter(ucnv_open(charset, &status)), "", ""};
     if (U_FAILURE(status))
         return {};
-    if (same_charset(charset, ianaISO2022JP)) {
+    if (same_name(charset, ianaISO2022JP)) {
         opened.before = enter_kanji;
         opened.behind = leave_kanji;
     } else if (!is_without_states(opened.cnv.get())) {

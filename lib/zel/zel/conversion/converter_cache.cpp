@@ -41,10 +41,10 @@ opened_charset open_escaped_unicode(UErrorCode &status) {
 opened_charset open_charset(const char *name) {
     UErrorCode status = U_ZERO_ERROR;
     opened_charset opened = {};
-    if (same_charset(name, encEUNICODE)) {
+    if (same_name(name, encEUNICODE)) {
         opened = open_escaped_unicode(status);
     } else {
-        opened.cnv.reset(ucnv_open(same_charset(name, encMUTF7) ? "IMAP-mailbox-name" : name, &status));
+        opened.cnv.reset(ucnv_open(same_name(name, encMUTF7) ? "IMAP-mailbox-name" : name, &status));
         if (U_SUCCESS(status))
             opened.max_char_size = ucnv_getMaxCharSize(opened.cnv.get());
     }
@@ -131,8 +131,8 @@ void discard_pair(EncodingConverter *pair) {
 EncodingConverter *find_pair(const char *from_charset, const char *to_charset) {
     const std::uint32_t hash = hash_names(from_charset, to_charset);
     EncodingConverter *pair = ZEL_zecCacheHead.load(std::memory_order_acquire);
-    while (pair && !(pair->name_hash == hash && same_charset(pair->from_name.get(), from_charset) &&
-                     same_charset(pair->to_name.get(), to_charset)))
+    while (pair && !(pair->name_hash == hash && same_name(pair->from_name.get(), from_charset) &&
+                     same_name(pair->to_name.get(), to_charset)))
         pair = pair->next_pair.load(std::memory_order_acquire);
     return pair;
 }

@@ -29,7 +29,7 @@ using owned_entry = owned<table_entry, &discard_entry>;
 
 const table_entry *find_table(const char *charset) {
     const table_entry *entry = tables.load(std::memory_order_acquire);
-    while (entry && !same_charset(entry->charset.get(), charset))
+    while (entry && !same_name(entry->charset.get(), charset))
         entry = entry->next.load(std::memory_order_acquire);
     return entry;
 }
@@ -53,10 +53,10 @@ const table_entry *add_table(const char *charset) {
 }
 
 table_conversion choose_conversion(const char *from_charset, const char *to_charset) {
-    if (same_charset(from_charset, encUTF8))
-        return same_charset(to_charset, ianaISO2022JP) ? convert_utf8_to_jis : convert_from_utf8;
-    if (same_charset(to_charset, encUTF8))
-        return same_charset(from_charset, ianaISO2022JP) ? convert_jis_to_utf8 : convert_to_utf8;
+    if (same_name(from_charset, encUTF8))
+        return same_name(to_charset, ianaISO2022JP) ? convert_utf8_to_jis : convert_from_utf8;
+    if (same_name(to_charset, encUTF8))
+        return same_name(from_charset, ianaISO2022JP) ? convert_jis_to_utf8 : convert_to_utf8;
     return nullptr;
 }
 
@@ -110,7 +110,7 @@ void note_conversion(fast_road &road, const char *from_charset, const char *to_c
     const std::uint64_t before = road.converted.fetch_add(bytes, std::memory_order_relaxed);
     if (before / worth_a_table == (before + bytes) / worth_a_table)
         return;
-    const char *charset = same_charset(from_charset, encUTF8) ? to_charset : from_charset;
+    const char *charset = same_name(from_charset, encUTF8) ? to_charset : from_charset;
     const table_entry *entry = find_table(charset);
     if (!entry)
         entry = add_table(charset);

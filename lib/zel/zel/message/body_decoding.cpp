@@ -28,8 +28,8 @@ struct body {
 };
 
 bool goes_between(const body &from, const char *from_charset, const char *to_charset) {
-    return same_charset(from.pair.from_charset, from_charset) &&
-           same_charset(from.pair.to_charset, to_charset);
+    return same_name(from.pair.from_charset, from_charset) &&
+           same_name(from.pair.to_charset, to_charset);
 }
 
 // The first two letters of the language open a route, whatever follows them.
@@ -59,7 +59,7 @@ bool is_korean_pair(const body &from) {
 
 // The Korean and the HZ pair need no converter of ICU, so they are not asked for one, under any language.
 bool is_convertible(const body &from) {
-    return same_charset(from.pair.from_charset, from.pair.to_charset) || is_korean_pair(from) ||
+    return same_name(from.pair.from_charset, from.pair.to_charset) || is_korean_pair(from) ||
            goes_between(from, ianaHZ, ianaGB2312) || is_known(from.pair);
 }
 

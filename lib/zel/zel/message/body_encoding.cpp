@@ -35,9 +35,9 @@ struct body {
 conversion *direct_encoder(LanguageID id, const char *from_charset) {
     if (id != japanese)
         return nullptr;
-    if (same_charset(from_charset, ianaEUCJP))
+    if (same_name(from_charset, ianaEUCJP))
         return convert_eucjp_to_jis;
-    return same_charset(from_charset, ianaSHIFTJIS) ? convert_sjis_to_jis : nullptr;
+    return same_name(from_charset, ianaSHIFTJIS) ? convert_sjis_to_jis : nullptr;
 }
 
 body decide(LanguageID id, const char *from_charset, std::string_view text, bool qp_for_8bit) {
@@ -45,7 +45,7 @@ body decide(LanguageID id, const char *from_charset, std::string_view text, bool
     const bool by_text = policy.encoding == transfer::by_text;
     const bool ascii = by_text && is7bit(text);
     const char *charset = ascii ? ianaUSASCII : policy.mail_charset;
-    return {text, look_up(from_charset, charset), same_charset(from_charset, charset),
+    return {text, look_up(from_charset, charset), same_name(from_charset, charset),
             direct_encoder(id, from_charset),
             by_text ? qp_for_8bit && !ascii : policy.encoding == transfer::quoted_printable};
 }

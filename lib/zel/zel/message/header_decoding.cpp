@@ -154,7 +154,7 @@ bool is_one_of(char character, std::string_view set) {
 word_road choose_road(const header_pass &pass, const encoded_word &word) {
     if (!pass.decoded || !is_known_charset(pass.language, word.charset) || !is_one_of(word.encoding, "BbQq"))
         return {road::raw, {}, nullptr};
-    if (same_charset(word.charset, pass.to_charset))
+    if (same_name(word.charset, pass.to_charset))
         return {road::copy, {}, nullptr};
     const charset_pair pair = look_up(word.charset, pass.to_charset);
     if (!is_known(pair))

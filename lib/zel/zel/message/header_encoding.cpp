@@ -31,7 +31,7 @@ struct header_value {
 };
 
 encoding choose_encoding(LanguageID language, const char *charset) {
-    if (same_charset(charset, ianaUSASCII))
+    if (same_name(charset, ianaUSASCII))
         return encoding::none;
     if (language == japanese)
         return encoding::b_words_ja;
@@ -39,9 +39,9 @@ encoding choose_encoding(LanguageID language, const char *charset) {
 }
 
 character_width choose_width(LanguageID language, const char *from_charset) {
-    if (language == japanese && same_charset(from_charset, ianaSHIFTJIS))
+    if (language == japanese && same_name(from_charset, ianaSHIFTJIS))
         return character_width::shift_jis;
-    if (language == chinese_tw && !same_charset(from_charset, encUTF8))
+    if (language == chinese_tw && !same_name(from_charset, encUTF8))
         return character_width::pairs;
     return character_width::one_byte;
 }
@@ -52,7 +52,7 @@ header_value value_of(const char *language, const char *from_charset, std::strin
     const encoding how = choose_encoding(id, charset);
     if (how == encoding::none)
         return {how, character_width::one_byte, false, charset, {}, text};
-    return {how,     choose_width(id, from_charset), same_charset(from_charset, encUTF8),
+    return {how,     choose_width(id, from_charset), same_name(from_charset, encUTF8),
             charset, look_up(from_charset, charset), text};
 }
 

@@ -46,7 +46,7 @@ char *ZEL_LocalToVCard21(const char *language, const char *from_charset, const c
         return duplicate(text).release();
     require_started();
     const char *charset = http_charset(language);
-    if (same_charset(from_charset, charset))
+    if (same_name(from_charset, charset))
         return encode(text).release();
     const heap_string converted = convert(text, from_charset, charset);
     return (converted ? encode(converted.get()) : duplicate(text)).release();

@@ -51,10 +51,10 @@ const char *http_charset(const char *language) {
 }
 
 bool is_known_charset(LanguageID id, const char *charset) {
-    if (same_charset(charset, ianaUTF8) || same_charset(charset, ianaUTF7))
+    if (same_name(charset, ianaUTF8) || same_name(charset, ianaUTF7))
         return true;
     for (const char *known : policy_of(id).known)
-        if (known && same_charset(charset, known))
+        if (known && same_name(charset, known))
             return true;
     return false;
 }

@@ -9,7 +9,6 @@
 
 #include <cstring>
 #include <string_view>
-#include <strings.h>
 
 namespace zel {
 namespace {
@@ -109,7 +108,7 @@ LanguageID find_tag(const char *language) {
     if (!language)
         return no_language;
     for (LanguageID id = 1; id <= last_language; ++id)
-        if (strcasecmp(language, row_of(id).tag) == 0)
+        if (same_name(language, row_of(id).tag))
             return id;
     return no_language;
 }
@@ -145,7 +144,7 @@ const language_policy &policy_of(LanguageID id) {
 }
 
 LanguageID checkLanguage(const char *language) {
-    return language && strcasecmp(language, lang_i_default) == 0 ? english : find_tag(language);
+    return language && same_name(language, lang_i_default) ? english : find_tag(language);
 }
 
 } // namespace zel
@@ -177,7 +176,7 @@ int32_t ZEL_GetOffsetToNextChar(LanguageID id, const char *charset, unsigned cha
     if (byte < 0x80 || !ZEL_IsDBCSLanguage(id))
         return 1;
     const bool half_width =
-        id == japanese && charset && same_charset(charset, ianaSHIFTJIS) && is_hankakukana(byte);
+        id == japanese && charset && same_name(charset, ianaSHIFTJIS) && is_hankakukana(byte);
     return half_width ? 1 : 2;
 }
 

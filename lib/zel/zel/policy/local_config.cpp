@@ -1,12 +1,12 @@
 #include "zel/policy/local_config.h"
 
 #include "zel.h"
+#include "zel/base/charset_names.h"
 #include "zel/base/frame.h"
 #include "zel/policy/bundle_message.h"
 
 #include <cstring>
 #include <new>
-#include <strings.h>
 
 namespace zel {
 
@@ -16,7 +16,7 @@ namespace {
 
 const LocalConfigEntry *find(const char *key) {
     const LocalConfigEntry *entry = LocalConfigHead.load(std::memory_order_acquire);
-    while (entry && strcasecmp(entry->key.get(), key) != 0)
+    while (entry && !same_name(entry->key.get(), key))
         entry = entry->next.load(std::memory_order_acquire);
     return entry;
 }
