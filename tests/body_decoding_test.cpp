@@ -26,23 +26,20 @@ std::string decoded(const body &from) {
     const exact_buffer text = exact_string(bytes);
     const auto length = static_cast<int32_t>(bytes.size());
     const std::string first = in_two_calls(decoder_of(from), 1);
-    for (const char ignored : {'\0', 'b', '\xFF'}) {
-        const auto expect_same = [&](auto call) { EXPECT_EQ(in_two_calls(call, 1), first); };
-        expect_same(decoder_of(from, ignored));
-        expect_same([&](char *to, int32_t size) {
-            return ZEL_InternetMessageBodyLocalToLocal(language, from_charset, ignored, text.data(),
-                                                       to_charset, to, size);
-        });
-        if (from_charset && *from_charset)
-            continue;
-        expect_same([&](char *to, int32_t size) {
-            return ZEL_InternetMessageBodyToLocal(language, ignored, text.data(), to_charset, to, size);
-        });
-        expect_same([&](char *to, int32_t size) {
-            return ZEL_InternetMessageBodyToLocalLen(language, ignored, text.data(), length, to_charset, to,
-                                                     size);
-        });
-    }
+    const auto expect_same = [&](auto call) { EXPECT_EQ(in_two_calls(call, 1), first); };
+    expect_same(decoder_of(from, '\0'));
+    expect_same([&](char *to, int32_t size) {
+        return ZEL_InternetMessageBodyLocalToLocal(language, from_charset, 'b', text.data(), to_charset, to,
+                                                   size);
+    });
+    if (from_charset && *from_charset)
+        return first;
+    expect_same([&](char *to, int32_t size) {
+        return ZEL_InternetMessageBodyToLocal(language, 'q', text.data(), to_charset, to, size);
+    });
+    expect_same([&](char *to, int32_t size) {
+        return ZEL_InternetMessageBodyToLocalLen(language, '\xFF', text.data(), length, to_charset, to, size);
+    });
     return first;
 }
 
@@ -72,10 +69,7 @@ TEST(BodyDecoding, a_body_is_read_in_its_charset_or_in_that_of_the_language) {
 
 TEST(BodyDecoding, two_small_letters_open_the_direct_routes_whose_results_are_repaired) {
     start_library();
-    const std::string jis = "\x1B$BF|K\\\x1B(B\xB0",
-                      kr = "\x1B$)C\x0E"
-                           "0!\x0F\xB0",
-                      hz = "~{VP~}\xB0";
+    const std::string jis = "\x1B$BF|K\\\x1B(B\xB0", kr = "\x1B$)C\x0E\x30!\x0F\xB0", hz = "~{VP~}\xB0";
     const struct {
         body from;
         std::string text;
@@ -147,12 +141,13 @@ TEST(BodyDecoding, ten_megabytes_and_hostile_bodies_stay_within_their_buffers) {
     for_hostile_input(5000, [](auto &hostile, auto language, auto charset, auto &text) {
         const std::string to_charset = hostile.charset();
         const auto call = decoder_of({language, charset, text + '\0', to_charset.c_str()});
-        const int32_t need = call(nullptr, -1), short_size = static_cast<int32_t>(hostile.below(64));
-        for (const int32_t size : {std::max(need, 0), short_size}) {
+        const int32_t need = call(nullptr, -1), smaller = static_cast<int32_t>(1 + hostile.below(64));
+        for (const int32_t size : {std::max(need, 0), smaller}) {
             const exact_buffer to(static_cast<std::size_t>(size));
             const int32_t length = call(to.data(), size);
-            EXPECT_EQ(length == -5, need == -5);
-            EXPECT_TRUE(length < 0 || length == size || (length < size && to.data()[length] == '\0'));
+            if (length == -5 || (length == size && size >= need)) // no converter, or filled to the last byte
+                continue;
+            EXPECT_TRUE(length >= 0 && length < size && to.data()[length] == '\0');
         }
     });
 }

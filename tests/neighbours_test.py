@@ -1,5 +1,5 @@
 """Header values and bodies of all languages, held against Python's codecs, email.header and quopri.
-usage: neighbours_test.py HEADER-TOOL"""
+usage: neighbours_test.py WIRE-TOOL"""
 
 import quopri
 import re
