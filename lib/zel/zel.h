@@ -25,9 +25,9 @@
  * **Sizes.** Functions that fill a buffer are called twice. A negative `to_size` asks for the size that the
  * result may take and writes nothing; the second call, with that size, does the work:
  *
- *     int32_t size = ZEL_UTF8ToInternetMessageHeader("ja", subject, NULL, -1) + 1;
+ *     int32_t size = ZEL_UTF8ToInternetMessageHeader(language, subject, NULL, -1) + 1;
  *     char *line = malloc(size);
- *     ZEL_UTF8ToInternetMessageHeader("ja", subject, line, size);
+ *     ZEL_UTF8ToInternetMessageHeader(language, subject, line, size);
  *
  * A size counts the terminator unless its function says that it does not, so one byte more is right
  * everywhere. The length that the second call returns never counts it. Whatever `to_size` is, nothing is
@@ -367,24 +367,28 @@ ZEL_API int32_t ZEL_NormalizeLocale(char **locale);
  * are remembered do not. An answer holds until ZEL_Terminate(): a bundle that is repaired later is not read
  * again. A language of more than 120 characters is unknown.
  *
- * | Languages            | Mail        | Web        | Admitted beside UTF-8 and UTF-7    | Transfer         |
- * | -------------------- | ----------- | ---------- | ---------------------------------- | ---------------- |
- * | en to sq (1 to 18)   | iso-8859-15 | iso-8859-1 | us-ascii, iso-8859-1, windows-1252 | by text          |
- * | cs hu pl ro hr sk sl | iso-8859-2  | iso-8859-2 | us-ascii, iso-8859-2               | by text          |
- * | et lv lt             | iso-8859-4  | iso-8859-1 | us-ascii, iso-8859-4               | by text          |
- * | ru bg be sr mk uk    | iso-8859-5  | iso-8859-1 | us-ascii, iso-8859-5               | by text          |
- * | el                   | iso-8859-7  | iso-8859-7 | us-ascii, iso-8859-7               | by text          |
- * | tr                   | iso-8859-9  | iso-8859-1 | us-ascii, iso-8859-9               | 7bit             |
- * | ar                   | iso-8859-6  | iso-8859-1 | us-ascii, iso-8859-6               | 7bit             |
- * | he                   | iso-8859-8  | iso-8859-1 | us-ascii, iso-8859-8               | 7bit             |
- * | yi                   | utf-8       | iso-8859-1 | none                               | 7bit             |
- * | th                   | tis-620     | iso-8859-1 | us-ascii, tis-620                  | 7bit             |
- * | ja                   | iso-2022-jp | Shift_JIS  | us-ascii, iso-2022-jp              | 7bit             |
- * | ko                   | euc-kr      | euc-kr     | us-ascii, euc-kr, ks_c_5601-1987   | quoted-printable |
- * | zh                   | gb2312      | iso-8859-1 | us-ascii, gb2312                   | 7bit             |
- * | zh-CN zh_CN          | gb2312      | gb2312     | us-ascii, gb2312                   | quoted-printable |
- * | zh-TW zh_TW          | big5        | big5       | us-ascii, big5                     | quoted-printable |
- * | unknown              | us-ascii    | iso-8859-1 | none                               | 7bit             |
+ * UTF-8 and UTF-7 are admitted in all languages, and US-ASCII in all but yi and unknown ones.
+ *
+ *     Languages             Mail         Web         Also admitted
+ *     en to sq (1 to 18)    iso-8859-15  iso-8859-1  iso-8859-1, windows-1252
+ *     cs hu pl ro hr sk sl  iso-8859-2   iso-8859-2  iso-8859-2
+ *     et lv lt              iso-8859-4   iso-8859-1  iso-8859-4
+ *     ru bg be sr mk uk     iso-8859-5   iso-8859-1  iso-8859-5
+ *     el                    iso-8859-7   iso-8859-7  iso-8859-7
+ *     tr                    iso-8859-9   iso-8859-1  iso-8859-9
+ *     ar                    iso-8859-6   iso-8859-1  iso-8859-6
+ *     he                    iso-8859-8   iso-8859-1  iso-8859-8
+ *     yi                    utf-8        iso-8859-1
+ *     th                    tis-620      iso-8859-1  tis-620
+ *     ja                    iso-2022-jp  Shift_JIS   iso-2022-jp
+ *     ko                    euc-kr       euc-kr      euc-kr, ks_c_5601-1987
+ *     zh                    gb2312       iso-8859-1  gb2312
+ *     zh-CN zh_CN           gb2312       gb2312      gb2312
+ *     zh-TW zh_TW           big5         big5        big5
+ *     unknown               us-ascii     iso-8859-1
+ *
+ * The transfer encoding of bodies goes by the text in the languages from en to el (1 to 35); it is
+ * quoted-printable in ko, zh-CN, zh_CN, zh-TW and zh_TW, and 7bit in all others.
  * @{
  */
 
@@ -566,8 +570,9 @@ ZEL_API int32_t ZEL_LocalToRFC2231(const char *language, const char *param_name,
                                    const char *text, char *to_buf, int32_t to_size);
 
 /**
- * Reads the value of an extended parameter, of which the host has joined the lines: charset, "'", language,
- * "'" and percent-encoded text. With fewer than two "'" all of it is the text, and nothing is converted.
+ * Reads the value of an extended parameter, of which the host has joined the lines: charset, apostrophe,
+ * language, apostrophe and percent-encoded text. With fewer than two apostrophes all of it is the text, and
+ * nothing is converted.
  *
  * @param language not used; may be null
  * @param text the value; null and empty give an empty result
