@@ -148,6 +148,14 @@ TEST(ConvertBufferArray, keeps_the_places_of_its_texts_and_terminates_each) {
     }
 }
 
+TEST(ConvertBufferArray, terminates_a_text_that_fills_even_the_byte_more_than_its_size) {
+    start_library();
+    const char *const texts[] = {"\xA4"};
+    char *results[1];
+    ZEL_ConvertBufferArray("iso-8859-5", "utf-16", texts, 1, results);
+    EXPECT_EQ(taken(results[0]).substr(2), "\x04\x04"); // behind the byte order mark
+}
+
 TEST(Passthrough, copies_buffers_whatever_their_charsets_are) {
     start_library();
     gf_ZELStatus = ZEL_STATUS_PASSTHROUGH;
