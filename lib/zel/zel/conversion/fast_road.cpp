@@ -10,7 +10,7 @@ namespace zel {
 namespace {
 
 constexpr std::uint64_t worth_a_table =
-    std::uint64_t{100} * 1024; // bytes; building one costs about as much as converting these
+    std::uint64_t{100} * 1024; // bytes; a host that converts less pays nothing
 
 struct table_entry {
     heap_string charset;
