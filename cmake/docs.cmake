@@ -1,0 +1,52 @@
+# The reference, which is the public header's comments: the target docs makes manual pages, one for each family of
+# functions with a link for each name that is exported, and HTML that opens with the guide for hosts. Both belong to
+# the component docs, and are installed if they were built.
+
+set(DOXYGEN_HAVE_DOT NO) # no graphs; said before Doxygen is looked for
+find_package(Doxygen QUIET)
+if(NOT DOXYGEN_FOUND)
+    message(STATUS "There is no target docs, for want of Doxygen")
+    return()
+endif()
+
+set(docs_dir ${PROJECT_BINARY_DIR}/docs)
+file(WRITE ${docs_dir}/header.html "<!DOCTYPE html><html><head><meta charset=\"utf-8\"><title>libzel: $title</title>
+<link href=\"$relpath^tabs.css\" rel=\"stylesheet\"><link href=\"$relpath^$stylesheet\" rel=\"stylesheet\"></head>
+<body><div id=\"top\">\n")
+file(WRITE ${docs_dir}/footer.html "</body></html>\n")
+
+set(DOXYGEN_OUTPUT_DIRECTORY ${docs_dir})
+set(DOXYGEN_PROJECT_NAME libzel)
+set(DOXYGEN_QUIET YES)
+set(DOXYGEN_FULL_PATH_NAMES NO)
+set(DOXYGEN_JAVADOC_AUTOBRIEF YES)
+set(DOXYGEN_OPTIMIZE_OUTPUT_FOR_C YES)
+set(DOXYGEN_MACRO_EXPANSION YES)
+set(DOXYGEN_EXPAND_ONLY_PREDEF YES)
+set(DOXYGEN_PREDEFINED ZEL_API=)
+set(DOXYGEN_SORT_MEMBER_DOCS NO)
+set(DOXYGEN_WARN_AS_ERROR FAIL_ON_WARNINGS)
+set(DOXYGEN_GENERATE_MAN YES)
+set(DOXYGEN_MAN_LINKS YES)
+set(DOXYGEN_USE_MDFILE_AS_MAINPAGE ${PROJECT_SOURCE_DIR}/docs/hosting.md)
+set(DOXYGEN_HTML_HEADER ${docs_dir}/header.html) # Doxygen's own brings scripts
+set(DOXYGEN_HTML_FOOTER ${docs_dir}/footer.html)
+set(DOXYGEN_HTML_DYNAMIC_MENUS NO)
+set(DOXYGEN_SEARCHENGINE NO)
+set(DOXYGEN_VERBATIM_HEADERS NO)
+doxygen_add_docs(docs lib/zel/zel.h docs/hosting.md COMMENT "Writing the manual pages and the HTML reference")
+
+file(STRINGS lib/zel/zel.h families REGEX "@defgroup")
+list(TRANSFORM families REPLACE ".*@defgroup ([a-z_]*).*" "\\1")
+file(STRINGS lib/zel/libzel.map links REGEX "^ *[A-Za-z_][A-Za-z0-9_]*;$")
+list(TRANSFORM links REPLACE " *(.*);" "\\1")
+set(pages ${families} zel.h ZELConfig)
+foreach(list pages links)
+    list(TRANSFORM ${list} PREPEND ${docs_dir}/man/man3/)
+    list(TRANSFORM ${list} APPEND .3)
+endforeach()
+add_custom_command(TARGET docs POST_BUILD VERBATIM COMMAND sed -i -f ${PROJECT_SOURCE_DIR}/cmake/man.sed ${pages})
+
+install(FILES ${pages} ${links} DESTINATION ${CMAKE_INSTALL_MANDIR}/man3 COMPONENT docs OPTIONAL)
+install(DIRECTORY ${docs_dir}/html DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT docs OPTIONAL
+        PATTERN *.js EXCLUDE PATTERN doxygen.svg EXCLUDE)
