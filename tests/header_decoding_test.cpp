@@ -131,6 +131,7 @@ TEST(HeaderDecoding, the_size_counts_what_each_piece_may_become) {
     EXPECT_EQ(size("en", "=?iso-8859-1?Q?" + text + "?="), 301);
     EXPECT_EQ(size("en", "=?iso-8859-2?Q?" + text + "?="), 100);
     EXPECT_EQ(size("ja", "\x1B$B" + repeated("F|", 100)), 300);
+    EXPECT_EQ(decoded("en", "=?iso-8859-1?Q?=B1?=", "iso-2022-jp"), "\x1B$B!^\x1B(B");
 }
 
 TEST(HeaderDecoding, ten_megabytes_take_linear_time) {

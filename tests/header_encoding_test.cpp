@@ -110,12 +110,15 @@ TEST(HeaderEncoding, plain_text_is_folded_behind_column_60_at_a_blank_which_is_r
                  {"ko", "UTF-8", sixty + "\tabc" + han, sixty + "\t\r\n\tabc" + word},
                  {"ko", "UTF-8", sixty + sixty + han, sixty + sixty + "\r\n " + word},
                  {"ko", "UTF-8", sixty.substr(3) + "\r\na b" + han, sixty.substr(3) + "\r\na \r\n b" + word},
+                 {"ko", "UTF-8", sixty.substr(1) + " b" + han, sixty.substr(1) + " b\r\n " + word},
                  {"ko", "UTF-8", han + sixty + " ", word + sixty + " \r\n "}});
 }
 
 TEST(HeaderEncoding, the_size_is_the_formula_where_that_is_enough_and_else_the_need) {
     start_library();
     EXPECT_EQ(encoder_of("de", "UTF-8", std::string(500, 'x') + "é")(nullptr, -1), 4 * (502 + 1) + 11 + 8);
+    EXPECT_EQ(encoded("yi", "UTF-16BE", repeated("\x8A\x9E", 6) + "\x8A"),
+              "=?utf-8?Q?" + repeated("=E8=AA=9E", 6) + "=EF=BF?=\r\n\t=?utf-8?Q?=BD?=");
     const struct {
         const char *language, *from_charset;
         std::string text;
