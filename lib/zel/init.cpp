@@ -7,9 +7,9 @@
 
 #include "zel.h"
 #include "zel/base/charset_names.h"
+#include "zel/base/fixed_text.h"
 #include "zel/base/frame.h"
 #include "zel/base/input.h"
-#include "zel/base/output.h"
 #include "zel/policy/bundle_message.h"
 
 #include <prio.h>

@@ -9,7 +9,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <initializer_list>
 #include <string_view>
 
 namespace zel {
@@ -81,14 +80,12 @@ inline std::int32_t finish_string(output &to) {
     return saturate(to.length);
 }
 
-// Fills a buffer of the library's own with all of the parts, or says that they do not fit.
-template <std::size_t Size>
-bool join(char (&buf)[Size], std::initializer_list<std::string_view> parts) {
-    output to = output_to(buf, Size);
-    const bool whole =
-        std::all_of(parts.begin(), parts.end(), [&](std::string_view part) { return put(to, part); });
-    finish(to);
-    return whole;
+// The documented size, or what the code that writes the text really needs where that is more.
+template <class Put>
+std::int32_t size_or_need(std::uint64_t documented, Put put) {
+    output counted = counting_output();
+    put(counted);
+    return saturate(std::max<std::uint64_t>(documented, counted.length + 1));
 }
 
 } // namespace zel

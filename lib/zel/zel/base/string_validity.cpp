@@ -1,58 +1,39 @@
-// The 7-bit test, in wide steps inside the length that strlen found, and the repair of double-byte
-// text, driven by one table per family of charsets that says of each byte whether it stands alone, leads a
-// pair, or is none of these.
+// The 7-bit test and the repair of double-byte text, both in wide steps inside a length that is known. The
+// repair takes blocks of 64 bytes and asks all of a block's bytes at once what they could be; which of those
+// that could lead a pair do so then follows from their places in the run of them.
+//
+// Invariant: a block leaves to the next one whether its last byte leads a pair, and nothing else.
 
 #include "zel/base/string_validity.h"
 
 #include "zel.h"
 #include "zel/base/charset_names.h"
+#include "zel/base/lanes.h"
 
 #include <algorithm>
-#include <array>
+#include <bit>
 #include <cstdint>
 #include <cstring>
 
 namespace zel {
 namespace {
 
-enum class byte_kind : unsigned char { single, lead, broken };
+struct byte_range {
+    unsigned char first, last;
+};
 
+constexpr byte_range seven_bit = {0x00, 0x7F};
+
+// What is neither a lead nor single is broken, unless it is a trail.
 struct double_byte_family {
-    std::array<byte_kind, 256> kinds;
+    byte_range leads[2];
+    byte_range singles[2];
     bool trail_has_high_bit; // otherwise any byte is a trail, and so is a missing one
 };
 
-constexpr bool between(unsigned byte, unsigned first, unsigned last) {
-    return byte >= first && byte <= last;
-}
-
-constexpr byte_kind euc_kind(unsigned byte) {
-    return byte < 0x80 ? byte_kind::single : byte_kind::lead;
-}
-
-constexpr byte_kind shift_jis_kind(unsigned byte) {
-    if (between(byte, 0x81, 0x9F) || between(byte, 0xE0, 0xFC))
-        return byte_kind::lead;
-    const bool half_width_katakana = between(byte, 0xA0, 0xDF);
-    return byte < 0x80 || half_width_katakana ? byte_kind::single : byte_kind::broken;
-}
-
-constexpr byte_kind big5_kind(unsigned byte) {
-    if (between(byte, 0xA1, 0xF9))
-        return byte_kind::lead;
-    return byte < 0x80 ? byte_kind::single : byte_kind::broken;
-}
-
-consteval std::array<byte_kind, 256> kinds_by(byte_kind (*rule)(unsigned)) {
-    std::array<byte_kind, 256> kinds{};
-    for (unsigned byte = 0; byte < kinds.size(); ++byte)
-        kinds[byte] = rule(byte);
-    return kinds;
-}
-
-constexpr double_byte_family euc{kinds_by(euc_kind), true};
-constexpr double_byte_family shift_jis{kinds_by(shift_jis_kind), false};
-constexpr double_byte_family big5{kinds_by(big5_kind), false};
+constexpr double_byte_family euc = {{{0x80, 0xFF}, {0x80, 0xFF}}, {seven_bit, seven_bit}, true};
+constexpr double_byte_family shift_jis = {{{0x81, 0x9F}, {0xE0, 0xFC}}, {seven_bit, {0xA0, 0xDF}}, false};
+constexpr double_byte_family big5 = {{{0xA1, 0xF9}, {0xA1, 0xF9}}, {seven_bit, seven_bit}, false};
 
 const double_byte_family *family_of(const char *charset) {
     for (const char *const name : {ianaEUCKR, ianaEUCJP, ianaGB2312, ianaKSC5601})
@@ -63,39 +44,103 @@ const double_byte_family *family_of(const char *charset) {
     return same_name(charset, ianaBIG5) ? &big5 : nullptr;
 }
 
+using bit_per_byte = std::uint64_t;
+constexpr std::size_t block_size = 64;
+
+struct byte_block {
+    signed_bytes steps[block_size / lane_step];
+};
+
+byte_block load_block(const char *from) {
+    return {load_bytes(from), load_bytes(from + lane_step), load_bytes(from + 2 * lane_step),
+            load_bytes(from + 3 * lane_step)};
+}
+
+template <class Question>
+bit_per_byte ask(const byte_block &block, Question question) {
+    bit_per_byte answers = 0;
+    for (std::size_t step = 0; step < std::size(block.steps); ++step)
+        answers |= bit_per_byte{bits_of(question(block.steps[step]))} << step * lane_step;
+    return answers;
+}
+
 bool has_high_bit(char byte) {
     return (static_cast<unsigned char>(byte) & 0x80) != 0;
 }
 
+bool has_high_byte(const byte_block &block) {
+    return any(is_high(block.steps[0] | block.steps[1] | block.steps[2] | block.steps[3]));
+}
+
+bit_per_byte within(const byte_block &block, const byte_range (&ranges)[2]) {
+    return ask(block, [&](signed_bytes bytes) {
+        return is_between(bytes, ranges[0].first, ranges[0].last) |
+               is_between(bytes, ranges[1].first, ranges[1].last);
+    });
+}
+
+// A run of bytes that could lead begins with one that does, and every second one does: those on even places
+// in a run that begins on one, the others in all other runs.
+bit_per_byte leads_among(bit_per_byte candidates) {
+    constexpr bit_per_byte even_places = 0x5555555555555555;
+    const bit_per_byte begins = candidates & ~(candidates << 1);
+    const bit_per_byte even_runs = candidates & ~(candidates + (begins & even_places));
+    return (even_runs & even_places) | (candidates & ~even_runs & ~even_places);
+}
+
+void replace(char *text, bit_per_byte places) {
+    for (; places; places &= places - 1)
+        text[std::countr_zero(places)] = '?';
+}
+
+// The block holds what the text has from here on. Gives whether its last byte leads a pair.
+bool repair_block(const double_byte_family &family, const byte_block &block, char *text, bool lead_before) {
+    if (!lead_before && !has_high_byte(block))
+        return false;
+    const bit_per_byte carried = lead_before ? 1 : 0;
+    const bit_per_byte candidates = within(block, family.leads);
+    const bit_per_byte leads = leads_among(candidates & ~carried);
+    const bit_per_byte trails = leads << 1 | carried;
+    replace(text, ~(within(block, family.singles) | candidates | trails));
+    if (family.trail_has_high_bit)
+        replace(text - 1, trails & ~ask(block, is_high));
+    return leads >> (block_size - 1) != 0;
+}
+
+// Zeros behind the text's end stand for its terminator, which is no trail with a high bit.
 void repair(const double_byte_family &family, char *text, std::size_t len) {
-    for (std::size_t at = 0; at < len; ++at) {
-        const byte_kind kind = family.kinds[static_cast<unsigned char>(text[at])];
-        if (kind == byte_kind::single)
-            continue;
-        const std::size_t trail = at + 1;
-        const bool misses_trail = family.trail_has_high_bit && (trail == len || !has_high_bit(text[trail]));
-        if (kind == byte_kind::broken || misses_trail)
-            text[at] = '?';
-        if (kind == byte_kind::lead)
-            at = trail;
-    }
+    bool lead_before = false;
+    for (; len >= block_size; text += block_size, len -= block_size)
+        lead_before = repair_block(family, load_block(text), text, lead_before);
+    char last[block_size] = {};
+    std::copy_n(text, len, last);
+    repair_block(family, load_block(last), text, lead_before);
 }
 
 } // namespace
 
 bool is7bit(std::string_view text) {
-    using block = std::array<std::uint64_t, 4>;
-    constexpr std::uint64_t high_bits = 0x8080808080808080;
-    for (block words; text.size() >= sizeof words; text.remove_prefix(sizeof words)) {
-        std::memcpy(words.data(), text.data(), sizeof words);
-        if ((words[0] | words[1] | words[2] | words[3]) & high_bits)
+    if (text.size() < lane_step)
+        return std::none_of(text.begin(), text.end(), has_high_bit);
+    const signed_bytes last = load_bytes(text.end() - lane_step);
+    for (; text.size() >= block_size; text.remove_prefix(block_size))
+        if (has_high_byte(load_block(text.data())))
             return false;
-    }
-    return std::none_of(text.begin(), text.end(), has_high_bit);
+    for (; text.size() >= lane_step; text.remove_prefix(lane_step))
+        if (any(is_high(load_bytes(text.data()))))
+            return false;
+    return !any(is_high(last));
 }
 
+// Piece by piece, so that little is read of a text that shows a high byte at once.
 bool is7bitstring(const char *text) {
-    return !text || is7bit(text);
+    constexpr std::size_t piece = 1024;
+    for (std::size_t len = piece; text && len == piece; text += len) {
+        len = strnlen(text, piece);
+        if (!is7bit({text, len}))
+            return false;
+    }
+    return true;
 }
 
 void checkstringvalidity(const char *charset, char *text) {

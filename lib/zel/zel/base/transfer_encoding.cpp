@@ -1,100 +1,121 @@
 #include "zel/base/transfer_encoding.h"
 
 #include "zel.h"
+#include "zel/base/input.h"
 
 #include <array>
 
 namespace zel {
 namespace {
 
-enum class qp_class : unsigned char { literal, encoded, parenthesis, blank, line_end };
+// A byte as it is written; four bytes long, so that one store takes it whole.
+struct qp_unit {
+    std::array<char, 3> characters;
+    std::uint8_t length; // 0 for a line end
+};
+
+struct qp_mode {
+    std::array<qp_unit, 256> units;
+    std::uint32_t limit; // a line that has come so far is broken
+};
 
 constexpr bool is_one_of(unsigned char byte, std::string_view set) {
     return set.find(static_cast<char>(byte)) != std::string_view::npos;
 }
 
-// More is encoded than RFC 2045 asks for: "=?_" so that one table serves encoded words too, and all other
+constexpr bool is_blank(unsigned char byte) {
+    return byte == ' ' || byte == '\t';
+}
+
+// More is encoded than RFC 2045 asks for: "=?_" so that words and bodies differ little, and all other
 // punctuation so that gateways between character sets, and transports that treat a leading dot as their own,
 // leave the text alone.
-constexpr qp_class classify(unsigned char byte) {
+constexpr bool is_literal(unsigned char byte, bool q_mode) {
+    return is_one_of(byte, basis_64) || is_one_of(byte, "!*-") || (!q_mode && is_one_of(byte, "()"));
+}
+
+constexpr qp_unit unit_of(unsigned char byte, bool q_mode) {
     if (is_one_of(byte, "\r\n"))
-        return qp_class::line_end;
-    if (is_one_of(byte, basis_64) || is_one_of(byte, "!*-"))
-        return qp_class::literal;
-    if (is_one_of(byte, "()"))
-        return qp_class::parenthesis;
-    if (is_one_of(byte, " \t"))
-        return qp_class::blank;
-    return qp_class::encoded;
+        return {{}, 0};
+    if (is_literal(byte, q_mode))
+        return {{static_cast<char>(byte)}, 1};
+    if (is_blank(byte))
+        return {{q_mode ? '_' : static_cast<char>(byte)}, 1};
+    return {{'=', hexdigits[byte >> 4], hexdigits[byte & 0xF]}, 3};
 }
 
-constexpr auto qp_classes = [] {
-    std::array<qp_class, 256> classes = {};
-    for (unsigned byte = 0; byte < classes.size(); ++byte)
-        classes[byte] = classify(static_cast<unsigned char>(byte));
-    return classes;
-}();
-
-static_assert(qp_classes['='] == qp_class::encoded && qp_classes['.'] == qp_class::encoded);
-static_assert(qp_classes['+'] == qp_class::literal && qp_classes['\0'] == qp_class::encoded);
-
-constexpr std::uint32_t body_line_limit = 73;
-constexpr std::uint32_t word_text_limit = 60;
-
-struct qp_line {
-    std::uint32_t column;
-    bool trailing_blank; // a blank at the end of a line does not survive all transports
-};
-
-bool put_soft_break(output &to, qp_line &line) {
-    line = {};
-    return put(to, "=\r\n");
+constexpr qp_mode mode_of(bool q_mode, std::uint32_t limit) {
+    qp_mode mode = {{}, limit};
+    for (unsigned byte = 0; byte < mode.units.size(); ++byte)
+        mode.units[byte] = unit_of(static_cast<unsigned char>(byte), q_mode);
+    return mode;
 }
 
-bool put_line_end(output &to, qp_line &line) {
-    if (line.trailing_blank && !put_soft_break(to, line))
-        return false;
-    line = {};
+constexpr qp_mode body = mode_of(false, 73);
+constexpr qp_mode word = mode_of(true, 60);
+
+static_assert(body.units['='].length == 3 && body.units['.'].length == 3 && body.units['('].length == 1);
+static_assert(word.units['+'].length == 1 && word.units['\0'].length == 3 && word.units['('].length == 3);
+
+constexpr std::size_t ample = 80; // for any line, and what a store writes behind its last unit
+
+// Up to a line end or the limit, a store for each byte. Both modes have walks of their own, with their table
+// and their limit built in.
+template <const qp_mode &mode>
+char *store_units(input &from, char *to, const char *limit) {
+    const unsigned char *at = from.at;
+    for (; at != from.end && to < limit; ++at) {
+        const qp_unit &unit = mode.units[*at];
+        if (unit.length == 0)
+            break;
+        std::memcpy(to, &unit, sizeof unit);
+        to += unit.length;
+    }
+    from.at = at;
+    return to;
+}
+
+// Up to a line end or the line's limit.
+template <const qp_mode &mode>
+bool put_units(input &from, output &to, std::uint32_t &column) {
+    if (fits(to, ample)) {
+        char uncounted[ample];
+        char *const start = to.start ? to.start + to.length : uncounted;
+        const char *const end = store_units<mode>(from, start, start + mode.limit - column);
+        to.length += static_cast<std::size_t>(end - start);
+        column += static_cast<std::uint32_t>(end - start);
+        return true;
+    }
+    for (; !ended(from) && column < mode.limit && mode.units[*from.at].length; ++from.at) {
+        const qp_unit &unit = mode.units[*from.at];
+        if (!put(to, {unit.characters.data(), unit.length}))
+            return false;
+        column += unit.length;
+    }
+    return true;
+}
+
+bool put_line_end(input &from, output &to, std::uint32_t &column) {
+    from.at += peek(from) == '\r' && peek(from, 1) == '\n' ? 2 : 1;
+    column = 0;
     return put(to, "\r\n");
 }
 
-bool put_literal(output &to, unsigned char byte, qp_line &line) {
-    line.column += 1;
-    return put(to, byte);
+bool put_soft_break(output &to, std::uint32_t &column) {
+    column = 0;
+    return put(to, "=\r\n");
 }
 
-bool put_triple(output &to, unsigned char byte, qp_line &line) {
-    const char triple[] = {'=', hexdigits[byte >> 4], hexdigits[byte & 0xF]};
-    line.column += sizeof triple;
-    return put(to, {triple, sizeof triple});
-}
-
-// Takes one byte from the text, or the CR LF of a line end.
-bool put_next(std::string_view &from, output &to, bool q_mode, qp_line &line) {
-    const auto byte = static_cast<unsigned char>(from.front());
-    const qp_class kind = qp_classes[byte];
-    from.remove_prefix(from.substr(0, 2) == "\r\n" ? 2 : 1);
-    if (kind == qp_class::line_end)
-        return put_line_end(to, line);
-    line.trailing_blank = kind == qp_class::blank && !q_mode;
-    switch (kind) {
-    case qp_class::literal:
-        return put_literal(to, byte, line);
-    case qp_class::blank:
-        return put_literal(to, q_mode ? '_' : byte, line);
-    case qp_class::parenthesis:
-        return q_mode ? put_triple(to, byte, line) : put_literal(to, byte, line);
-    default:
-        return put_triple(to, byte, line);
-    }
-}
-
-bool put_body(std::string_view from, output &to) {
-    qp_line line = {};
-    while (!from.empty()) {
-        if (!put_next(from, to, false, line))
+// A blank at the end of a line does not survive all transports.
+bool put_body(input from, output &to) {
+    std::uint32_t column = 0;
+    while (!ended(from)) {
+        if (!put_units<body>(from, to, column))
             return false;
-        if (line.column >= body_line_limit && !put_soft_break(to, line))
+        const bool broken = column >= body.limit || (!ended(from) && column > 0 && is_blank(from.at[-1]));
+        if (broken && !put_soft_break(to, column))
+            return false;
+        if (!ended(from) && body.units[*from.at].length == 0 && !put_line_end(from, to, column))
             return false;
     }
     return true;
@@ -106,56 +127,45 @@ bool put_word_opening(output &to, std::string_view lead, std::string_view charse
 }
 
 // word_end stays behind the last whole word.
-bool put_words(std::string_view from, output &to, std::string_view charset, std::size_t &word_end) {
+bool put_words(input from, output &to, std::string_view charset, std::size_t &word_end) {
     if (!put_word_opening(to, "", charset))
         return false;
-    qp_line line = {};
+    std::uint32_t column = 0;
     bool word_closed = false;
-    while (!from.empty()) {
-        if (!put_next(from, to, true, line))
+    while (!ended(from)) {
+        if (!put_units<word>(from, to, column))
             return false;
-        if (line.column < word_text_limit)
+        if (column < word.limit) {
+            if (!ended(from) && !put_line_end(from, to, column))
+                return false;
             continue;
+        }
         if (!put(to, "?="))
             return false;
         word_end = to.length;
         if (!put(to, "\r\n"))
             return false;
-        line = {};
-        word_closed = from.empty();
+        column = 0;
+        word_closed = ended(from);
         if (!word_closed && !put_word_opening(to, "\t", charset))
             return false;
     }
     return word_closed || put(to, "?=");
 }
 
-constexpr std::size_t base64_line = 68; // characters: a line never grows by a group beyond 70
-
-char *encode_group(unsigned bits, char *to) {
-    *to++ = basis_64[bits >> 18 & 0x3F];
-    *to++ = basis_64[bits >> 12 & 0x3F];
-    *to++ = basis_64[bits >> 6 & 0x3F];
-    *to++ = basis_64[bits & 0x3F];
+// The one or two bytes behind the last whole group. The padding goes by their number alone.
+char *encodeChunk(std::string_view from, char *to) {
+    const char padded[] = {from[0], from.size() > 1 ? from[1] : '\0', '\0'};
+    to = encode_groups({padded, to}, std::end(padded)).to;
+    to[-1] = '=';
+    if (from.size() == 1)
+        to[-2] = '=';
     return to;
 }
 
-unsigned byte_at(std::string_view from, std::size_t at) {
-    return at < from.size() ? static_cast<unsigned char>(from[at]) : 0;
-}
-
-// The one or two bytes behind the last whole group. The padding goes by their number alone.
-char *encodeChunk(std::string_view from, char *to) {
-    encode_group(byte_at(from, 0) << 16 | byte_at(from, 1) << 8, to);
-    to[3] = '=';
-    if (from.size() == 1)
-        to[2] = '=';
-    return to + 4;
-}
-
-char *encode_base64(std::string_view from, char *to) {
-    for (; from.size() >= 3; from.remove_prefix(3))
-        to = encode_group(byte_at(from, 0) << 16 | byte_at(from, 1) << 8 | byte_at(from, 2), to);
-    return from.empty() ? to : encodeChunk(from, to);
+char *encode_base64(base64_cursors at, const char *end) {
+    at = encode_groups(at, end);
+    return at.from == end ? at.to : encodeChunk({at.from, end}, at.to);
 }
 
 constexpr auto base64_values = [] {
@@ -169,7 +179,9 @@ static_assert(base64_values['A'] == 0 && base64_values['/'] == 63 && base64_valu
 
 } // namespace
 
-std::int32_t mime_encode_qp_src(std::string_view from, output &to, bool q_mode, const char *charset) {
+std::int32_t mime_encode_qp_src(std::string_view text, output &to, bool q_mode, const char *charset) {
+    const auto *start = reinterpret_cast<const unsigned char *>(text.data());
+    const input from = {start, start + text.size()};
     if (!q_mode)
         return put_body(from, to) ? 0 : -1;
     std::size_t word_end = to.length;
@@ -184,7 +196,7 @@ bool put_base64(output &to, std::string_view from) {
     if (!fits(to, size))
         return false;
     if (to.start)
-        encode_base64(from, to.start + to.length);
+        encode_base64({from.begin(), to.start + to.length}, from.end());
     to.length += size;
     return true;
 }
@@ -232,19 +244,12 @@ std::size_t decode_q(std::string_view from, char *to) {
 using namespace zel;
 
 int32_t ZEL_ApplyBase64Encoding(const char *from_buf, int32_t from_len, char *to_buf, int32_t to_size) {
-    constexpr std::size_t line_bytes = base64_line / 4 * 3;
     std::string_view from(from_buf, from_len > 0 ? static_cast<std::size_t>(from_len) : 0);
     if (to_size < 0) {
-        const std::uint64_t need = base64_size(from.size()) + from.size() / line_bytes * 2 + 1;
+        const std::uint64_t need = base64_size(from.size()) + from.size() / base64_line_bytes * 2 + 1;
         return saturate(std::max<std::uint64_t>(from.size() * 2, need));
     }
-    char *to = to_buf;
-    for (; from.size() >= line_bytes; from.remove_prefix(line_bytes)) {
-        to = encode_base64(from.substr(0, line_bytes), to);
-        *to++ = '\r';
-        *to++ = '\n';
-    }
-    to = encode_base64(from, to);
+    char *const to = encode_base64(encode_lines({from.begin(), to_buf}, from.end()), from.end());
     *to = '\0';
     return saturate(static_cast<std::uint64_t>(to - to_buf));
 }

@@ -28,8 +28,7 @@ struct body {
 };
 
 bool goes_between(const body &from, const char *from_charset, const char *to_charset) {
-    return same_name(from.pair.from_charset, from_charset) &&
-           same_name(from.pair.to_charset, to_charset);
+    return same_name(from.pair.from_charset, from_charset) && same_name(from.pair.to_charset, to_charset);
 }
 
 // The first two letters of the language open a route, whatever follows them.

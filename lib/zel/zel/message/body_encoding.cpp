@@ -84,9 +84,7 @@ std::int32_t estimate(const body &from) {
     const std::uint64_t formula = from.quoted_printable ? size * 3 : size;
     if (!may_need_more(from, size))
         return saturate(formula);
-    output counted = counting_output();
-    put_body(from, counted);
-    return saturate(std::max<std::uint64_t>(formula, counted.length + 1));
+    return size_or_need(formula, [&](output &counted) { put_body(from, counted); });
 }
 
 } // namespace

@@ -240,9 +240,7 @@ std::int32_t estimate(const header_value &value) {
     const std::uint64_t formula = 4 * converted + std::strlen(value.charset) + 8;
     if (bound(value, converted) <= formula)
         return saturate(formula);
-    output counted = counting_output();
-    put_value(value, counted);
-    return saturate(std::max<std::uint64_t>(formula, counted.length + 1));
+    return size_or_need(formula, [&](output &counted) { put_value(value, counted); });
 }
 
 } // namespace

@@ -164,14 +164,10 @@ std::int32_t estimate_parameter(const parameter &names, const char *from_charset
     const std::int32_t converted = needs_conversion(names, from_charset)
                                        ? ZEL_GetResultBufferSize(text, -1, from_charset, names.charset.data())
                                        : saturate(std::strlen(text) + 1);
-    output counted = counting_output();
-    put_prefix(counted, names, {0, false});
-    counted.length += static_cast<std::uint64_t>(converted) * 3;
-    if (counted.length <= std::min<std::uint64_t>(line_limit, formula))
+    const std::uint64_t line = prefix_length(names, {0, false}) + static_cast<std::uint64_t>(converted) * 3;
+    if (line <= std::min<std::uint64_t>(line_limit, formula))
         return saturate(formula);
-    counted = counting_output();
-    put_parameter(counted, names, from_charset, text);
-    return saturate(std::max<std::uint64_t>(formula, counted.length + 1));
+    return size_or_need(formula, [&](output &counted) { put_parameter(counted, names, from_charset, text); });
 }
 
 struct extended_value {
@@ -238,9 +234,7 @@ std::int32_t estimate_value(const extended_value &value, const char *decoded, co
                        : saturate(std::strlen(decoded));
     if (static_cast<std::uint64_t>(converted) < formula)
         return saturate(formula);
-    output counted = counting_output();
-    put_value(counted, value, decoded, to_charset);
-    return saturate(std::max<std::uint64_t>(formula, counted.length + 1));
+    return size_or_need(formula, [&](output &counted) { put_value(counted, value, decoded, to_charset); });
 }
 
 } // namespace

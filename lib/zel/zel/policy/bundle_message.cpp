@@ -2,6 +2,7 @@
 
 #include "zel.h"
 #include "zel/base/charset_names.h"
+#include "zel/base/fixed_text.h"
 #include "zel/base/frame.h"
 #include "zel/base/output.h"
 #include "zel/conversion/string_conversion.h"

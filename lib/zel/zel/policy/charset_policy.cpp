@@ -2,8 +2,8 @@
 
 #include "zel.h"
 #include "zel/base/charset_names.h"
+#include "zel/base/fixed_text.h"
 #include "zel/base/frame.h"
-#include "zel/base/output.h"
 #include "zel/base/string_validity.h"
 #include "zel/policy/languages.h"
 #include "zel/policy/local_config.h"
