@@ -6,22 +6,26 @@ include(CMakePackageConfigHelpers)
 set(ZEL_BUNDLES_DIR ${CMAKE_INSTALL_DATADIR}/zel)
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zel)
 
-install(TARGETS zel qorm EXPORT zelTargets
-        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+install(TARGETS zel EXPORT zelTargets
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
         INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-install(FILES lib/zel/zel.h lib/qorm/qorm.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(TARGETS qorm EXPORT zelTargets
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT support
+        INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(FILES lib/zel/zel.h lib/qorm/qorm.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 if(TARGET default_bundle)
-    install(DIRECTORY ${ZEL_BUILT_BUNDLES}/encbylang DESTINATION ${ZEL_BUNDLES_DIR})
+    install(DIRECTORY ${ZEL_BUILT_BUNDLES}/encbylang DESTINATION ${ZEL_BUNDLES_DIR} COMPONENT bundle)
+    install(FILES docs/zel-compile-bundle.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT development)
 endif()
 
 configure_package_config_file(cmake/zelConfig.cmake.in zelConfig.cmake
                               INSTALL_DESTINATION ${package_dir} PATH_VARS ZEL_BUNDLES_DIR)
 write_basic_package_version_file(zelConfigVersion.cmake COMPATIBILITY SameMajorVersion)
-install(EXPORT zelTargets NAMESPACE zel:: DESTINATION ${package_dir})
+install(EXPORT zelTargets NAMESPACE zel:: DESTINATION ${package_dir} COMPONENT development)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/zelConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/zelConfigVersion.cmake
-        DESTINATION ${package_dir})
+        DESTINATION ${package_dir} COMPONENT development)
 
 file(RELATIVE_PATH pc_to_prefix /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
 string(REGEX REPLACE "/$" "" pc_to_prefix ${pc_to_prefix})
 configure_file(cmake/zel.pc.in zel.pc @ONLY)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/zel.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/zel.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)

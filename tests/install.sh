@@ -1,7 +1,8 @@
 #!/bin/sh
-# Installs the library, moves the installed tree, and builds a host against it twice: by pkg-config with the C compiler
-# alone, and as a CMake project. Both hosts run with the installed bundle.
-# usage: install.sh CMAKE GENERATOR CC BUILD_DIRECTORY HOST_DIRECTORY
+# Installs the library, moves the installed tree, and builds hosts against it: by pkg-config with the C compiler alone,
+# among them an example and the README's, and as a CMake project. With "-" for a build directory it takes the library
+# that the system's packages have installed.
+# usage: install.sh CMAKE GENERATOR CC BUILD_DIRECTORY SOURCE_DIRECTORY
 set -eu
 
 work=$(mktemp -d)
@@ -9,19 +10,31 @@ trap 'rm -rf "$work"' EXIT
 
 run_host() { # HOST BUNDLES_PATH
     [ -e "$2/encbylang" ]
-    LANG=ja_JP.eucJP LD_LIBRARY_PATH=$libraries "$1" "$2"
+    LANG=ja_JP.eucJP "$1" "$2"
 }
 
-DESTDIR=$work/image "$1" --install "$4" --prefix /usr >/dev/null
-mv "$work/image/usr" "$work/moved"
-pc=$(find "$work/moved" -name zel.pc)
-libraries=$(dirname "$(dirname "$pc")")
+if [ "$4" != - ]; then
+    DESTDIR=$work/image "$1" --install "$4" --prefix /usr >/dev/null
+    mv "$work/image/usr" "$work/moved"
+    pc=$(find "$work/moved" -name zel.pc)
+    export PKG_CONFIG_PATH="${pc%/*}" LD_LIBRARY_PATH="${pc%/*/*}" CMAKE_PREFIX_PATH="$work/moved"
+fi
 
-export PKG_CONFIG_PATH="${pc%/*}"
 # shellcheck disable=SC2046
-"$3" -std=c99 -pedantic -Wall -Wextra -Werror "$5/host.c" -o "$work/host" $(pkg-config --cflags --libs zel) -lqorm
+"$3" -std=c99 -pedantic -Wall -Wextra -Werror "$5/tests/install/host.c" -o "$work/host" \
+    $(pkg-config --cflags --libs zel) -lqorm
 run_host "$work/host" "$(pkg-config --variable=bundles_path zel)"
 
-"$1" -G "$2" -S "$5" -B "$work/build" -DCMAKE_C_COMPILER="$3" -DCMAKE_PREFIX_PATH="$work/moved" >/dev/null
+# shellcheck disable=SC2046
+"$3" "$5/examples/charsets.c" "$5/examples/host.c" -o "$work/charsets" $(pkg-config --cflags --libs zel)
+"$work/charsets" "$5"/examples/texts/*.txt >/dev/null
+
+# shellcheck disable=SC2016
+sed -n '/^```c$/,/^```$/{/^```/!p;}' "$5/README.md" >"$work/readme.c"
+# shellcheck disable=SC2046
+"$3" "$work/readme.c" -o "$work/readme" $(pkg-config --cflags --libs zel)
+[ "$("$work/readme")" = Café ]
+
+"$1" -G "$2" -S "$5/tests/install" -B "$work/build" -DCMAKE_C_COMPILER="$3" >/dev/null
 "$1" --build "$work/build" >/dev/null
 run_host "$work/build/host" "$(cat "$work/build/bundles_path")"
