@@ -10,12 +10,12 @@ from email.header import Header, decode_header
 
 from letters import SAMPLES
 
-TOOL = sys.argv.pop()
+TOOL = subprocess.Popen([sys.argv.pop()], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
 
 
 def library(operation, language, text):
-    line = f"{operation} {language} {text.hex()}\n"
-    return bytes.fromhex(subprocess.run([TOOL], input=line, capture_output=True, check=True, text=True).stdout)
+    print(operation, language, text.hex(), file=TOOL.stdin, flush=True)
+    return bytes.fromhex(TOOL.stdout.readline())
 
 
 def encoded(language, text):
@@ -30,6 +30,12 @@ def neighbour(value):
     """What a reader of RFC 2047 makes of a value: it unfolds first, and keeps the blanks."""
     parts = decode_header(value.replace("\r\n", ""))
     return "".join(part if isinstance(part, str) else part.decode(charset or "ascii") for part, charset in parts)
+
+
+def tearDownModule():
+    TOOL.stdout.close()
+    TOOL.stdin.close()
+    assert TOOL.wait() == 0, "the tool has failed"
 
 
 class Neighbours(unittest.TestCase):

@@ -42,5 +42,6 @@ int main() {
         for (int32_t at = 0; at < length; ++at)
             std::printf("%02x", static_cast<unsigned char>(result[static_cast<std::size_t>(at)]));
         std::puts("");
+        std::fflush(stdout);
     }
 }
