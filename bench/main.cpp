@@ -12,16 +12,23 @@
 #include <sys/resource.h>
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <cstdio>
 #include <map>
 #include <regex>
 #include <stdexcept>
+#include <thread>
 
 namespace bench {
 namespace {
 
 std::size_t longest(const text_pool &texts) {
     return std::ranges::max(texts, {}, &std::string::size).size();
+}
+
+std::string around(const std::string &text, std::size_t at) {
+    return "  " + text.substr(at - std::min<std::size_t>(at, 30), 60) + "\n";
 }
 
 void check(const row &of, trial &with) {
@@ -32,46 +39,87 @@ void check(const row &of, trial &with) {
     };
     for (std::string &text : with.texts) {
         const std::string own = meant_by(with.subjects.front(), text);
-        for (const subject &who : with.subjects)
-            if (const std::string other = meant_by(who, text); other != own)
-                throw std::runtime_error(of.name + ": of\n" + text + "\nthe library makes\n" + own +
-                                         "\nand " + who.name + "\n" + other);
+        for (const subject &who : with.subjects) {
+            const std::string other = meant_by(who, text);
+            const auto at = static_cast<std::size_t>(std::ranges::mismatch(own, other).in1 - own.begin());
+            if (other != own)
+                throw std::runtime_error(of.name + ": at byte " + std::to_string(at) +
+                                         " the library gives\n" + around(own, at) + "and " + who.name + "\n" +
+                                         around(other, at));
+        }
     }
 }
 
-// Nanoseconds a round through all texts, by subject. Threads are timed by the clock, which also sees them
-// wait; one alone by what it runs, as the processor may be shared.
-class medians : public benchmark::BenchmarkReporter {
+// Nanoseconds that a run of each subject takes. The processors may be shared: so the median of its processor
+// time counts, and of threads, which are timed by the clock to see them wait, the fastest repetition: the one
+// in which each had a processor.
+class stopwatch : public benchmark::BenchmarkReporter {
 public:
     bool ReportContext(const Context &) override { return true; }
 
     void ReportRuns(const std::vector<Run> &runs) override {
-        for (const Run &run : runs)
-            if (run.aggregate_name == "median")
-                times[run.run_name.function_name] =
-                    run.run_name.time_type.empty()
-                        ? run.GetAdjustedCPUTime()
-                        : run.GetAdjustedRealTime() * static_cast<double>(run.threads);
+        for (const Run &run : runs) {
+            double &time = times[run.run_name.function_name];
+            const bool by_clock = !run.run_name.time_type.empty();
+            if (!by_clock && run.aggregate_name == "median")
+                time = run.GetAdjustedCPUTime();
+            else if (by_clock && run.run_type == Run::RT_Iteration)
+                time = std::min(time > 0 ? time : run.GetAdjustedRealTime(), run.GetAdjustedRealTime());
+        }
     }
 
     std::map<std::string, double> times;
 };
 
+void convert_all(const subject &who, text_pool &texts, scratch &to) {
+    for (std::string &text : texts)
+        benchmark::DoNotOptimize(who.run(text, to));
+}
+
+// Seconds from the moment when all threads run to the end of the last.
+double race(const subject &who, text_pool &texts) {
+    using clock = std::chrono::steady_clock;
+    std::atomic<int> awaited = who.threads;
+    std::atomic<clock::time_point> start;
+    std::vector<clock::time_point> ends(static_cast<std::size_t>(who.threads));
+    {
+        std::vector<std::jthread> threads;
+        for (clock::time_point &end : ends)
+            threads.emplace_back([&] {
+                scratch to(longest(texts));
+                start = clock::now();
+                for (--awaited; awaited > 0;)
+                    continue;
+                convert_all(who, texts, to);
+                end = clock::now();
+            });
+    }
+    return std::chrono::duration<double>(std::ranges::max(ends) - start.load()).count();
+}
+
+// Gives the nanoseconds that a text takes.
 std::map<std::string, double> measure(trial &with) {
-    const std::size_t room = longest(with.texts);
     const bool by_clock = with.subjects.front().threads > 1;
+    const std::size_t room = longest(with.texts);
     for (const subject &who : with.subjects) {
-        const auto rounds = [&](benchmark::State &state) {
+        const auto alone = [&, room](benchmark::State &state) {
             scratch to(room);
             for ([[maybe_unused]] auto _ : state)
-                for (std::string &text : with.texts)
-                    benchmark::DoNotOptimize(who.run(text, to));
+                convert_all(who, with.texts, to);
         };
-        auto *registered = benchmark::RegisterBenchmark(who.name.c_str(), rounds)->Threads(who.threads);
+        const auto together = [&](benchmark::State &state) {
+            for ([[maybe_unused]] auto _ : state)
+                state.SetIterationTime(race(who, with.texts));
+        };
         if (by_clock)
-            registered->UseRealTime();
+            benchmark::RegisterBenchmark(who.name.c_str(), together)
+                ->UseManualTime()
+                ->MinTime(1e-4)
+                ->Repetitions(100);
+        else
+            benchmark::RegisterBenchmark(who.name.c_str(), alone);
     }
-    medians reporter;
+    stopwatch reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     benchmark::ClearRegisteredBenchmarks();
     for (auto &[name, time] : reporter.times)

@@ -1,5 +1,4 @@
-// Texts to measure with: words made by chance with a fixed seed out of the
-// characters that a charset holds.
+// Texts to measure with: words made by chance, with a fixed seed, out of the characters that a charset holds.
 //
 // Invariant: all letters outside ASCII go to each charset of the alphabet and back, by ICU and by iconv
 // alike, so that whoever converts such a text has to come to the same bytes. A pool holds half a megabyte or
