@@ -55,6 +55,7 @@ TEST(TimeZones, refused_and_unknown_zones_leave_the_outputs_alone) {
 TEST(Dates, are_written_in_full_in_any_zone_and_charset) {
     EXPECT_EQ(date_in("de", nullptr), in_gmt);
     EXPECT_EQ(date_in("de-DE", "Europe/Vienna"), "Sonntag, 9. September 2001 um 03:46:40 MESZ");
+    EXPECT_EQ(date_in("de_DE@euro", "Europe/Vienna"), date_in("de", "Europe/Vienna"));
     EXPECT_EQ(date_in("ja", "Asia/Tokyo", "euc-jp").substr(0, 14),
               "2001\xC7\xAF\x39\xB7\xEE\x39\xC6\xFC\xC6\xFC");
     EXPECT_EQ(date_in("de", "GMT", "no such charset"), "(null)");

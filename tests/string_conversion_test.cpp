@@ -88,6 +88,7 @@ TEST(Escapes, are_written_for_each_unit_of_UTF16) {
         {"plain\t\n ~", "plain\t\n ~", "plain\t\n ~"},
         {"\r\x7F\x01", "\r\x7F\x01", "\\u000D\\u007F\\u0001"},
         {"caf\xC3\xA9", "caf\\u00E9", "caf\\u00E9"},
+        {"a\xC2\xAD\xE2\x80\x8D", "a\\u00AD\\u200D", "a\\u00AD\\u200D"}, // seen by no reader, and kept
         {"\xF0\x9F\x98\x80", "\\uD83D\\uDE00", "\\uD83D\\uDE00"},
         {"\\u0041", "\\u0041", "\\u0041"},
         {"\xE4\xB8\x80\r\xFF", "\\u4E00\r\\uFFFD", "\xE4\xB8\x80\r\xFF"},

@@ -32,7 +32,7 @@ TEST(LocalConfig, remembers_a_key_as_it_was_spelled_and_answers_with_its_first_e
         http_charset(language);
     http_charset(std::string(121, 'l').c_str());
     EXPECT_EQ(remembered_keys(), (std::map<std::string, int>{{"http|de", 1}, {"http|xx", 1}}));
-    EXPECT_STREQ(add_localconfig(LocalConfigHead, "HTTP|de", "another"), "another");
+    EXPECT_STREQ(add_localconfig("HTTP|de", "another"), "another");
     EXPECT_STREQ(load_localconfig("HTTP|de"), "iso-8859-1");
     EXPECT_EQ(load_localconfig("http|fr"), nullptr);
     EXPECT_EQ(remembered_keys().size(), 3u);

@@ -1,6 +1,6 @@
 // Texts in buffers of the library's own, such as keys and paths.
 //
-// Invariant: a text that does not fit is never used cut short; whoever joins one is told.
+// Invariant: every text is terminated, and whoever joins one that does not fit is told.
 
 #pragma once
 

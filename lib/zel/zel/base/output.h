@@ -80,12 +80,12 @@ inline std::int32_t finish_string(output &to) {
     return saturate(to.length);
 }
 
-// The documented size, or what the code that writes the text really needs where that is more.
+// The size that zel.h promises, or what the code that writes the text really needs where that is more.
 template <class Put>
-std::int32_t size_or_need(std::uint64_t documented, Put put) {
+std::int32_t size_or_need(std::uint64_t promised, Put put) {
     output counted = counting_output();
     put(counted);
-    return saturate(std::max<std::uint64_t>(documented, counted.length + 1));
+    return saturate(std::max<std::uint64_t>(promised, counted.length + 1));
 }
 
 } // namespace zel

@@ -162,8 +162,7 @@ std::int32_t result_size(const charset_pair &pair, std::size_t bytes) {
     if (pair.same)
         return saturate(bytes + 1);
     for (const fixed_size &row : fixed_sizes)
-        if (same_name(row.from_charset, pair.from_charset) &&
-            same_name(row.to_charset, pair.to_charset))
+        if (same_name(row.from_charset, pair.from_charset) && same_name(row.to_charset, pair.to_charset))
             return saturate(bytes * row.factor + 1);
     if (pair.cached)
         return estimate_size(pair.cached, bytes);

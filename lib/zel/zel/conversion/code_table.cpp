@@ -2,7 +2,7 @@
 
 #include "zel/base/ascii_run.h"
 #include "zel/base/charset_names.h"
-#include "zel/conversion/converter_cache.h"
+#include "zel/conversion/icu_converter.h"
 
 #include <unicode/ucnv_err.h>
 #include <unicode/utf16.h>

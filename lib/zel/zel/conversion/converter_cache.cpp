@@ -3,39 +3,44 @@
 #include "zel.h"
 #include "zel/base/charset_names.h"
 #include "zel/base/frame.h"
+#include "zel/base/unicode_escape.h"
 
+#include <unicode/ucnv_cb.h>
 #include <unicode/ucnv_err.h>
 
 #include <bit>
 #include <cstring>
-#include <new>
 
 namespace zel {
 namespace {
 
-std::atomic<EncodingConverter *> ZEL_zecCacheHead{nullptr};
+record_link<EncodingConverter> ZEL_zecCacheHead{nullptr};
 
-void discard_converter(EncodingConverter *converter) {
-    std::destroy_at(converter);
-    heap<EncodingConverter> memory(converter);
-}
-
-using unlinked_converter = owned<EncodingConverter, &discard_converter>;
+using unlinked_converter = owned_record<EncodingConverter>;
 
 struct opened_charset {
     icu_converter cnv;
     std::int32_t max_char_size;
 };
 
-constexpr std::int32_t escape_length = 6; // \uXXXX
+// ICU's own escapes leave out what a reader does not see, such as a soft hyphen or a joiner.
+void escape_unmapped(const void *, UConverterFromUnicodeArgs *args, const UChar *units, std::int32_t length,
+                     UChar32, UConverterCallbackReason reason, UErrorCode *status) {
+    if (reason > UCNV_IRREGULAR)
+        return;
+    *status = U_ZERO_ERROR;
+    for (std::int32_t i = 0; i < length; ++i) {
+        const unicode_escape escape = escape_of(units[i]);
+        ucnv_cbFromUWriteBytes(args, escape.data(), static_cast<std::int32_t>(escape.size()), 0, status);
+    }
+}
 
-// US-ASCII whose unmappable characters come out as \uXXXX, a surrogate at a time. ICU knows nothing of the
-// longer output, so the record carries its size.
+// US-ASCII in which all else is escaped. ICU knows nothing of the longer output, so the record carries its
+// size.
 opened_charset open_escaped_unicode(UErrorCode &status) {
     icu_converter cnv(ucnv_open("US-ASCII", &status));
-    ucnv_setFromUCallBack(cnv.get(), UCNV_FROM_U_CALLBACK_ESCAPE, UCNV_ESCAPE_JAVA, nullptr, nullptr,
-                          &status);
-    return {std::move(cnv), escape_length};
+    ucnv_setFromUCallBack(cnv.get(), escape_unmapped, nullptr, nullptr, nullptr, &status);
+    return {std::move(cnv), static_cast<std::int32_t>(sizeof(unicode_escape))};
 }
 
 opened_charset open_charset(const char *name) {
@@ -64,10 +69,9 @@ std::uint32_t hash_names(const char *from_charset, const char *to_charset) {
 }
 
 unlinked_converter new_converter(const char *from_charset, const char *to_charset) {
-    void *memory = xmalloc(sizeof(EncodingConverter));
-    if (!memory)
+    unlinked_converter fresh = new_record<EncodingConverter>();
+    if (!fresh)
         return nullptr;
-    unlinked_converter fresh(new (memory) EncodingConverter{});
     fresh->from_cnv = open_charset(from_charset).cnv;
     if (!fresh->from_cnv)
         return nullptr;
@@ -82,7 +86,6 @@ unlinked_converter new_converter(const char *from_charset, const char *to_charse
     if (!fresh->from_name || !fresh->to_name)
         return nullptr;
     fresh->name_hash = hash_names(from_charset, to_charset);
-    prepare_road(fresh->road, from_charset, to_charset, fresh->from_cnv.get(), fresh->to_cnv.get());
     fresh->in_use.store(1, std::memory_order_relaxed);
     return fresh;
 }
@@ -97,23 +100,21 @@ EncodingConverter *take_free_instance(EncodingConverter *pair) {
     return instance;
 }
 
-using link = std::atomic<EncodingConverter *>;
-
 // Appends to the chain of the pair, or to the list of pairs where the pair was not found. Two threads that
 // meet a new pair at once both append to the list; the second entry is never found again, which does no harm.
-void append(EncodingConverter *pair, EncodingConverter *fresh) {
-    link EncodingConverter::*const next =
-        pair ? &EncodingConverter::next_instance : &EncodingConverter::next_pair;
+EncodingConverter *append(EncodingConverter *pair, unlinked_converter fresh) {
+    EncodingConverter *linked = fresh.get();
     const held_lock lock = hold(encodingconverter_lock);
-    link *end = pair ? &(pair->*next) : &ZEL_zecCacheHead;
-    while (EncodingConverter *record = end->load(std::memory_order_relaxed))
-        end = &(record->*next);
-    end->store(fresh, std::memory_order_release);
+    if (pair)
+        append_record(pair->next_instance, &EncodingConverter::next_instance, std::move(fresh));
+    else
+        append_record(ZEL_zecCacheHead, &EncodingConverter::next_pair, std::move(fresh));
+    return linked;
 }
 
 void discard_if_free(EncodingConverter *converter) {
     if (!converter->in_use.load(std::memory_order_acquire))
-        discard_converter(converter);
+        discard_record(converter);
 }
 
 void discard_pair(EncodingConverter *pair) {
@@ -143,9 +144,11 @@ EncodingConverter *load_encodingconverter(const char *from_charset, const char *
     if (EncodingConverter *instance = pair ? take_free_instance(pair) : nullptr)
         return instance;
     unlinked_converter fresh = new_converter(from_charset, to_charset);
-    if (fresh)
-        append(pair, fresh.get());
-    return fresh.release();
+    if (!fresh)
+        return nullptr;
+    if (!pair)
+        prepare_road(fresh->road, from_charset, to_charset, fresh->from_cnv.get(), fresh->to_cnv.get());
+    return append(pair, std::move(fresh));
 }
 
 void unload_encodingconverter(EncodingConverter *converter) {

@@ -1,28 +1,22 @@
 // The cache of ICU converter pairs. A caller borrows a record, drives ICU with the two converters in it, and
 // gives it back by letting the lent_converter go; in between the record is its own, and no lock is held.
 //
-// Invariant: records are complete before they are linked, are never unlinked while the library runs, and each
-// link changes once, from null to its final value (release store). So the lists are walked without a lock
-// (acquire loads). in_use becomes 1 under encodingconverter_lock alone and 0 by its holder's release store.
+// Invariant: the lists are those of records.h, under encodingconverter_lock. in_use becomes 1 under that lock
+// alone and 0 by its holder's release store.
 
 #pragma once
 
-#include "zel/base/owned.h"
+#include "zel/base/records.h"
 #include "zel/conversion/fast_road.h"
-
-#include <unicode/ucnv.h>
-
-#include <atomic>
+#include "zel/conversion/icu_converter.h"
 
 namespace zel {
-
-using icu_converter = owned<UConverter, &ucnv_close>;
 
 struct EncodingConverter {
     icu_converter from_cnv;
     icu_converter to_cnv;
-    std::atomic<EncodingConverter *> next_pair;     // next distinct pair; of a pair's first record alone
-    std::atomic<EncodingConverter *> next_instance; // next record of the same pair
+    record_link<EncodingConverter> next_pair;     // next distinct pair; of a pair's first record alone
+    record_link<EncodingConverter> next_instance; // next record of the same pair
     std::atomic<std::int32_t> in_use;
     heap_string from_name;
     heap_string to_name;

@@ -2,9 +2,10 @@
 
 #include "zel/base/charset_names.h"
 #include "zel/base/frame.h"
+#include "zel/base/records.h"
 
+#include <algorithm>
 #include <cstring>
-#include <new>
 
 namespace zel {
 namespace {
@@ -14,18 +15,11 @@ constexpr std::uint64_t worth_a_table =
 
 struct table_entry {
     heap_string charset;
-    owned_code_table table; // null where the charset can have none
-    std::atomic<table_entry *> next;
+    owned_code_table table; // null where the charset can have none, or none had memory
+    record_link<table_entry> next;
 };
 
-std::atomic<table_entry *> tables{nullptr};
-
-void discard_entry(table_entry *entry) {
-    const heap<table_entry> memory(entry);
-    std::destroy_at(entry);
-}
-
-using owned_entry = owned<table_entry, &discard_entry>;
+record_link<table_entry> tables{nullptr};
 
 const table_entry *find_table(const char *charset) {
     const table_entry *entry = tables.load(std::memory_order_acquire);
@@ -36,20 +30,17 @@ const table_entry *find_table(const char *charset) {
 
 // Two threads may build the same table at once; the second copy stays unused.
 const table_entry *add_table(const char *charset) {
-    void *memory = xmalloc(sizeof(table_entry));
-    if (!memory)
+    owned_record<table_entry> entry = new_record<table_entry>();
+    if (!entry)
         return nullptr;
-    owned_entry entry(new (memory) table_entry{});
     entry->charset.reset(strdup(charset));
     entry->table = build_code_table(charset);
     if (!entry->charset)
         return nullptr;
+    const table_entry *linked = entry.get();
     const held_lock lock = hold(encodingconverter_lock);
-    std::atomic<table_entry *> *end = &tables;
-    while (table_entry *linked = end->load(std::memory_order_relaxed))
-        end = &linked->next;
-    end->store(entry.get(), std::memory_order_release);
-    return entry.release();
+    append_record(tables, &table_entry::next, std::move(entry));
+    return linked;
 }
 
 table_conversion choose_conversion(const char *from_charset, const char *to_charset) {
@@ -60,15 +51,19 @@ table_conversion choose_conversion(const char *from_charset, const char *to_char
     return nullptr;
 }
 
+// Asked for twice in a row, as a byte may change how the next one is read or written.
 bool keeps(UConverter *from_cnv, UConverter *to_cnv, char byte) {
-    UChar units[4];
-    char bytes[4];
+    constexpr std::int32_t count = 2;
+    const char text[count] = {byte, byte};
+    UChar units[8];
+    char bytes[16];
     UErrorCode status = U_ZERO_ERROR;
-    const std::int32_t taken = ucnv_toUChars(from_cnv, units, std::size(units), &byte, 1, &status);
-    if (U_FAILURE(status) || taken != 1 || units[0] != static_cast<UChar>(byte))
+    const std::int32_t taken = ucnv_toUChars(from_cnv, units, std::size(units), text, count, &status);
+    const auto same = [byte](UChar unit) { return unit == static_cast<UChar>(byte); };
+    if (U_FAILURE(status) || taken != count || !std::all_of(units, units + count, same))
         return false;
-    const std::int32_t put = ucnv_fromUChars(to_cnv, bytes, std::size(bytes), units, 1, &status);
-    return U_SUCCESS(status) && put == 1 && bytes[0] == byte;
+    const std::int32_t put = ucnv_fromUChars(to_cnv, bytes, std::size(bytes), units, count, &status);
+    return U_SUCCESS(status) && put == count && std::equal(bytes, bytes + count, text);
 }
 
 ascii_identity kept_ascii(UConverter *from_cnv, UConverter *to_cnv) {
@@ -119,7 +114,7 @@ void note_conversion(fast_road &road, const char *from_charset, const char *to_c
 }
 
 void release_tables() {
-    owned_entry entry(tables.exchange(nullptr, std::memory_order_relaxed));
+    owned_record<table_entry> entry(tables.exchange(nullptr, std::memory_order_relaxed));
     while (entry)
         entry.reset(entry->next.load(std::memory_order_relaxed));
 }

@@ -4,7 +4,7 @@
 #include "zel/base/charset_names.h"
 #include "zel/base/frame.h"
 #include "zel/base/output.h"
-#include "zel/base/transfer_encoding.h"
+#include "zel/base/unicode_escape.h"
 #include "zel/conversion/buffer_conversion.h"
 
 #include <unicode/ustring.h>
@@ -90,20 +90,12 @@ bool is_all_plain(const char *text) {
     return true;
 }
 
-constexpr std::uint64_t escape_length = 6; // \uXXXX
-
 void put_escaped(output &to, UChar unit) {
-    if (is_plain(unit)) {
+    const unicode_escape escape = escape_of(unit);
+    if (is_plain(unit))
         put(to, static_cast<unsigned char>(unit));
-        return;
-    }
-    const char escape[escape_length] = {'\\',
-                                        'u',
-                                        hexdigits[unit >> 12],
-                                        hexdigits[unit >> 8 & 0xF],
-                                        hexdigits[unit >> 4 & 0xF],
-                                        hexdigits[unit & 0xF]};
-    put(to, {escape, escape_length});
+    else
+        put(to, {escape.data(), escape.size()});
 }
 
 // Gives null for text that is not UTF-8, and where there is no memory.
@@ -113,7 +105,7 @@ heap_string escape(const char *text) {
     u_strFromUTF8(nullptr, 0, &units, text, -1, &status);
     if (status != U_BUFFER_OVERFLOW_ERROR)
         return nullptr;
-    const std::uint64_t size = (static_cast<std::uint64_t>(units) + 1) * escape_length;
+    const std::uint64_t size = (static_cast<std::uint64_t>(units) + 1) * sizeof(unicode_escape);
     const heap<UChar> wide = allocate<UChar>(static_cast<std::uint64_t>(units));
     heap_string escaped = allocate<char>(size);
     if (!wide || !escaped)

@@ -6,7 +6,7 @@
 #include "zel.h"
 #include "zel/base/charset_names.h"
 #include "zel/base/output.h"
-#include "zel/conversion/converter_cache.h"
+#include "zel/conversion/icu_converter.h"
 #include "zel/conversion/utf16_text.h"
 #include "zel/locale/icu_locale.h"
 

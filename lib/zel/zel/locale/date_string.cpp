@@ -7,7 +7,7 @@
 
 #include "zel.h"
 #include "zel/base/charset_names.h"
-#include "zel/conversion/converter_cache.h"
+#include "zel/conversion/icu_converter.h"
 #include "zel/conversion/utf16_text.h"
 #include "zel/locale/icu_locale.h"
 
@@ -49,12 +49,13 @@ bool knows_zone(const UCalendar *opened, UErrorCode status) {
 }
 
 struct zone_calendar {
-    calendar opened; // null where ICU or memory failed
+    heap<UChar> name; // as ICU was given it
+    calendar opened;  // null where ICU or memory failed
     bool is_known;
 };
 
 zone_calendar open_calendar(const char *zone) {
-    const heap<UChar> name = widen(zone);
+    heap<UChar> name = widen(zone);
     if (!name)
         return {};
     UErrorCode status = U_ZERO_ERROR;
@@ -62,15 +63,15 @@ zone_calendar open_calendar(const char *zone) {
     if (U_FAILURE(status))
         return {};
     const bool is_known = knows_zone(opened.get(), status);
-    return {std::move(opened), is_known};
+    return {std::move(name), std::move(opened), is_known};
 }
 
 // The calendar of the zone, of the offset that the host gives for it, or of GMT.
-calendar calendar_of(const char *zone, std::int32_t time) {
+zone_calendar calendar_of(const char *zone, std::int32_t time) {
     zone_calendar of_zone = open_calendar(zone);
     const ZELTimeZoneProc ask_host = custom_timezone_cb;
     if (!of_zone.opened || of_zone.is_known || !ask_host)
-        return std::move(of_zone.opened);
+        return of_zone;
     std::int32_t hours = 0;
     std::int32_t minutes = 0;
     char sign = '+';
@@ -78,15 +79,18 @@ calendar calendar_of(const char *zone, std::int32_t time) {
     char offset[16]; // the minutes with two digits: ICU does not know GMT-5:0
     const int length = std::snprintf(offset, sizeof offset, "GMT%c%d:%02d", sign, hours, minutes);
     const bool fits = length > 0 && static_cast<std::size_t>(length) < sizeof offset;
-    return fits ? open_calendar(offset).opened : std::move(of_zone.opened);
+    return fits ? open_calendar(offset) : std::move(of_zone);
 }
 
-utf16_text write_date(const char *locale, const UCalendar *zone, UDate date) {
+// The format is told the zone by name too: for some spellings of a locale ICU drops the calendar that it is
+// given.
+utf16_text write_date(const char *locale, const zone_calendar &zone, UDate date) {
     UErrorCode status = U_ZERO_ERROR;
-    const date_format format(udat_open(UDAT_LONG, UDAT_FULL, locale, nullptr, -1, nullptr, -1, &status));
+    const date_format format(
+        udat_open(UDAT_LONG, UDAT_FULL, locale, zone.name.get(), -1, nullptr, -1, &status));
     if (U_FAILURE(status))
         return {};
-    udat_setCalendar(format.get(), zone);
+    udat_setCalendar(format.get(), zone.opened.get());
     status = U_ZERO_ERROR;
     const std::int32_t length = udat_format(format.get(), date, nullptr, 0, nullptr, &status);
     if (status != U_BUFFER_OVERFLOW_ERROR)
@@ -150,11 +154,11 @@ int32_t ZEL_TimeZoneToOffset(const char *zone, int32_t, int32_t *hours, int32_t 
 }
 
 char *ZEL_GenerateDateString(const char *locale, const char *zone, int32_t time, const char *charset) {
-    const calendar of_zone = calendar_of(zone ? zone : "GMT", time);
+    const zone_calendar of_zone = calendar_of(zone ? zone : "GMT", time);
     const std::optional<icu_locale> known_locale = find_locale(locale);
-    if (!of_zone || !known_locale)
+    if (!of_zone.opened || !known_locale)
         return nullptr;
     const UDate date = time == 0 ? ucal_getNow() : time * 1000.0;
-    const utf16_text text = write_date(known_locale->name, of_zone.get(), date);
+    const utf16_text text = write_date(known_locale->name, of_zone, date);
     return text.units ? narrow(text, charset ? charset : encUTF8).release() : nullptr;
 }

@@ -26,7 +26,7 @@ constexpr charset_rule http_rule{"http|", &language_policy::http_charset};
 
 const char *remember(const char *key, const char *charset) {
     const held_lock lock = hold(localconfig_lock);
-    const char *remembered = add_localconfig(nullptr, key, charset);
+    const char *remembered = add_localconfig(key, charset);
     return remembered ? remembered : charset;
 }
 

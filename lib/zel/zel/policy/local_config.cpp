@@ -6,11 +6,10 @@
 #include "zel/policy/bundle_message.h"
 
 #include <cstring>
-#include <new>
 
 namespace zel {
 
-std::atomic<LocalConfigEntry *> LocalConfigHead{nullptr};
+record_link<LocalConfigEntry> LocalConfigHead{nullptr};
 
 namespace {
 
@@ -23,32 +22,22 @@ const LocalConfigEntry *find(const char *key) {
 
 } // namespace
 
-void release_localconfig(LocalConfigEntry *entry) {
-    const heap<LocalConfigEntry> memory(entry);
-    std::destroy_at(entry);
-}
-
-owned_entry _new_localconfig(const char *key, const char *value) {
-    void *memory = xmalloc(sizeof(LocalConfigEntry));
-    if (!memory)
+owned_record<LocalConfigEntry> _new_localconfig(const char *key, const char *value) {
+    auto entry = new_record<LocalConfigEntry>();
+    if (!entry)
         return nullptr;
-    owned_entry entry(new (memory) LocalConfigEntry{});
     entry->key.reset(strdup(key));
     entry->value.reset(strdup(value));
     return entry->key && entry->value ? std::move(entry) : nullptr;
 }
 
-const char *add_localconfig(LocalConfigEntry *last_entry, const char *key, const char *value) {
-    owned_entry entry = _new_localconfig(key, value);
+const char *add_localconfig(const char *key, const char *value) {
+    auto entry = _new_localconfig(key, value);
     if (!entry)
         return nullptr;
-    std::atomic<LocalConfigEntry *> *end = &LocalConfigHead;
-    if (last_entry && end->load(std::memory_order_relaxed))
-        end = &last_entry->next;
-    while (LocalConfigEntry *linked = end->load(std::memory_order_relaxed))
-        end = &linked->next;
-    end->store(entry.get(), std::memory_order_release);
-    return entry.release()->value.get();
+    const char *remembered = entry->value.get();
+    append_record(LocalConfigHead, &LocalConfigEntry::next, std::move(entry));
+    return remembered;
 }
 
 const char *load_localconfig(const char *key) {
@@ -58,7 +47,7 @@ const char *load_localconfig(const char *key) {
     const held_lock lock = hold(localconfig_lock);
     const owned_bundle bundle = open_encbylang(bundles_path);
     const heap_string value = utf8_message(bundle.get(), key);
-    return value ? add_localconfig(nullptr, key, value.get()) : nullptr;
+    return value ? add_localconfig(key, value.get()) : nullptr;
 }
 
 } // namespace zel
@@ -68,7 +57,7 @@ using namespace zel;
 void terminate_localconfig(void) {
     {
         const held_lock lock = hold(localconfig_lock);
-        owned_entry entry(LocalConfigHead.exchange(nullptr, std::memory_order_relaxed));
+        owned_record<LocalConfigEntry> entry(LocalConfigHead.exchange(nullptr, std::memory_order_relaxed));
         while (entry)
             entry.reset(entry->next.load(std::memory_order_relaxed));
     }

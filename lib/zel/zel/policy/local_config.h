@@ -1,38 +1,31 @@
 // The remembered answers: what the bundle "encbylang" or a built-in rule once gave for a key such as
 // "mail|ja" is the answer as long as the process runs, so that a language costs one look into the bundle.
 //
-// Invariant: an entry is complete before it is linked, is never unlinked or changed before the stop, and each
-// link changes once, from null to its final value (release store). So the list is walked without a lock
-// (acquire loads). Entries are appended, and the bundle is read, with localconfig_lock held.
+// Invariant: the list is that of records.h, under localconfig_lock, which is held too while the bundle is
+// read.
 
 #pragma once
 
-#include "zel/base/owned.h"
-
-#include <atomic>
+#include "zel/base/records.h"
 
 namespace zel {
 
 struct LocalConfigEntry {
     heap_string key;
     heap_string value;
-    std::atomic<LocalConfigEntry *> next;
+    record_link<LocalConfigEntry> next;
 };
 
-extern std::atomic<LocalConfigEntry *> LocalConfigHead;
-
-void release_localconfig(LocalConfigEntry *entry);
-
-using owned_entry = owned<LocalConfigEntry, &release_localconfig>;
+extern record_link<LocalConfigEntry> LocalConfigHead;
 
 // A linked entry of the key in any case, or else the value of the bundle, which is remembered. Null for a
 // miss: the caller remembers the built-in answer then.
 const char *load_localconfig(const char *key);
 
-// Appends an entry and gives its own copy of the value, null where there is no memory. A last_entry spares
-// the walk to the end of the list. The caller holds localconfig_lock.
-const char *add_localconfig(LocalConfigEntry *last_entry, const char *key, const char *value);
+// Appends an entry and gives its own copy of the value, null where there is no memory. The caller holds
+// localconfig_lock.
+const char *add_localconfig(const char *key, const char *value);
 
-owned_entry _new_localconfig(const char *key, const char *value);
+owned_record<LocalConfigEntry> _new_localconfig(const char *key, const char *value);
 
 } // namespace zel

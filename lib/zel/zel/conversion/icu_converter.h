@@ -1,0 +1,13 @@
+// ICU's converter, owned.
+
+#pragma once
+
+#include "zel/base/owned.h"
+
+#include <unicode/ucnv.h>
+
+namespace zel {
+
+using icu_converter = owned<UConverter, &ucnv_close>;
+
+} // namespace zel
