@@ -3,6 +3,10 @@
 
 #include "support.h"
 
+#include <random>
+
+#include <random>
+
 namespace {
 
 std::string repaired(const char *charset, const std::string &text) {
@@ -44,6 +48,30 @@ TEST(StringValidity, broken_bytes_of_double_byte_charsets_become_question_marks)
     };
     for (const auto &row : rows)
         EXPECT_EQ(repaired(row.charset, row.in), row.out) << row.charset;
+}
+
+// The rules byte by byte: a lead takes the next byte with it, and of EUC only a high one.
+std::string repaired_by_walk(bool euc, std::string text) {
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const auto byte = static_cast<unsigned char>(text[at]);
+        const bool lead = euc ? byte >= 0x80 : byte >= 0xA1 && byte <= 0xF9;
+        const bool has_trail = !euc || (at + 1 < text.size() && text[at + 1] & 0x80);
+        if (byte >= 0x80 && !(lead && has_trail))
+            text[at] = '?';
+        at += lead;
+    }
+    return text;
+}
+
+TEST(StringValidity, runs_of_any_length_are_paired_wherever_they_stand) {
+    std::mt19937 random;
+    for (int texts = 0; texts < 20000; ++texts) {
+        std::string text;
+        while (random() % 12)
+            text.append(random() % 40, "a\xA1\xB0\xFF\x80"[random() % 5]);
+        ASSERT_EQ(repaired("gb2312", text), repaired_by_walk(true, text));
+        ASSERT_EQ(repaired("big5", text), repaired_by_walk(false, text));
+    }
 }
 
 TEST(StringValidity, other_charsets_are_left_alone) {

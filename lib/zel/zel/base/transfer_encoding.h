@@ -12,6 +12,7 @@
 namespace zel {
 
 inline constexpr std::string_view hexdigits = "0123456789ABCDEF";
+
 // Body mode writes quoted-printable text; Q mode writes one encoded word after another, labelled with
 // charset, each on a line of its own. Gives 0, or -1 when the output ran out: it then ends behind the last
 // whole triple or, in Q mode, behind the last whole word. The text is not terminated.
