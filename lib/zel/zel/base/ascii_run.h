@@ -7,10 +7,7 @@
 
 #pragma once
 
-#include <bit>
-#include <cstddef>
-#include <cstdint>
-#include <cstring>
+#include "zel/base/lanes.h"
 
 namespace zel {
 
@@ -36,47 +33,27 @@ constexpr bool belongs_to(unsigned char byte) {
     return Run == ascii_run::whole ? byte < 0x80 : byte >= 0x20 && byte < 0x7F;
 }
 
-inline constexpr std::size_t ascii_step = 16;
-
-// The vector types of the compilers: SSE2, NEON, or plain words where there is neither.
-using signed_bytes = signed char __attribute__((vector_size(ascii_step)));
-using flag_words = std::uint64_t __attribute__((vector_size(ascii_step)));
-
-inline signed_bytes load_bytes(const unsigned char *from) {
-    signed_bytes bytes;
-    std::memcpy(&bytes, from, sizeof bytes);
-    return bytes;
-}
-
-// High bytes are negative.
 template <ascii_run Run>
-flag_words others_among(signed_bytes bytes) {
+signed_bytes others_among(signed_bytes bytes) {
     if constexpr (Run == ascii_run::whole)
-        return reinterpret_cast<flag_words>(bytes < 0);
+        return is_high(bytes);
     else
-        return reinterpret_cast<flag_words>((bytes < 0x20) | (bytes == 0x7F));
-}
-
-inline std::size_t first_flag(flag_words others) {
-    const std::size_t word = others[0] ? 0 : 1;
-    const int bits = std::endian::native == std::endian::little ? std::countr_zero(others[word])
-                                                                : std::countl_zero(others[word]);
-    return word * 8 + static_cast<std::size_t>(bits) / 8;
+        return (bytes < ' ') | is_byte(bytes, 0x7F); // high bytes are negative
 }
 
 // Steps of four while there is nothing else; true if another byte is near.
 template <ascii_run Run>
 void copy_long_run(byte_pass &pass) {
     constexpr std::size_t steps = 4;
-    while (left(pass) >= steps * ascii_step && room(pass) >= steps * ascii_step) {
-        flag_words others = {};
+    while (left(pass) >= steps * lane_step && room(pass) >= steps * lane_step) {
+        signed_bytes others = {};
         for (std::size_t step = 0; step < steps; ++step)
-            others |= others_among<Run>(load_bytes(pass.from + step * ascii_step));
-        if (others[0] | others[1])
+            others |= others_among<Run>(load_bytes(pass.from + step * lane_step));
+        if (any(others))
             return;
-        std::memcpy(pass.to, pass.from, steps * ascii_step);
-        pass.from += steps * ascii_step;
-        pass.to += steps * ascii_step;
+        std::memcpy(pass.to, pass.from, steps * lane_step);
+        pass.from += steps * lane_step;
+        pass.to += steps * lane_step;
     }
 }
 
@@ -84,18 +61,18 @@ void copy_long_run(byte_pass &pass) {
 template <ascii_run Run>
 void copy_run(byte_pass &pass) {
     bool is_long = false;
-    while (left(pass) >= ascii_step && room(pass) >= ascii_step) {
+    while (left(pass) >= lane_step && room(pass) >= lane_step) {
         const signed_bytes bytes = load_bytes(pass.from);
         std::memcpy(pass.to, &bytes, sizeof bytes);
-        const flag_words others = others_among<Run>(bytes);
-        if (others[0] | others[1]) {
-            const std::size_t prefix = first_flag(others);
+        const signed_bytes others = others_among<Run>(bytes);
+        if (any(others)) {
+            const std::size_t prefix = bytes_before(others);
             pass.from += prefix;
             pass.to += prefix;
             return;
         }
-        pass.from += ascii_step;
-        pass.to += ascii_step;
+        pass.from += lane_step;
+        pass.to += lane_step;
         if (is_long)
             copy_long_run<Run>(pass);
         is_long = true;

@@ -178,14 +178,13 @@ verdict convert_run_to_jis(const code_table &table, byte_pass &pass) {
 // A charset without pairs, in text where most steps of ASCII would stop short: byte by byte without a branch,
 // as many bytes a turn as a step of ASCII has.
 verdict convert_singles(const code_table &table, byte_pass &pass) {
-    while (left(pass) >= ascii_step) {
-        const flag_words high = others_among<ascii_run::whole>(load_bytes(pass.from));
-        if (!(high[0] | high[1])) {
+    while (left(pass) >= lane_step) {
+        if (!any(is_high(load_bytes(pass.from)))) {
             copy_run<ascii_run::whole>(pass);
             continue;
         }
         unsigned shortest = 1;
-        for (std::size_t i = 0; i < ascii_step; ++i) {
+        for (std::size_t i = 0; i < lane_step; ++i) {
             const utf8_character &character = table.singles[pass.from[i]];
             std::memcpy(pass.to, &character, sizeof character);
             pass.to += character.length;
@@ -193,7 +192,7 @@ verdict convert_singles(const code_table &table, byte_pass &pass) {
         }
         if (shortest == 0)
             return verdict::undecided;
-        pass.from += ascii_step;
+        pass.from += lane_step;
     }
     return convert_runs<ascii_run::whole>(pass,
                                           [&] { return convert_character<bounds::ample>(table, pass); });
