@@ -75,33 +75,17 @@ TEST(ConverterCache, leaves_a_lent_record_to_its_borrower_when_the_library_stops
 }
 
 constexpr std::size_t workers = 8;
+constexpr const char *shared_charsets[] = {"koi8-r", "Shift_JIS", "euc-kr", "big5"};
 
-const struct {
-    const char *charset, *text, *utf8;
-} samples[] = {{"koi8-r", "\xC4", "\xD0\xB4"},
-               {"Shift_JIS", "\x88\x9F", "\xE4\xBA\x9C"},
-               {"euc-kr", "\xB0\xA1", "\xEA\xB0\x80"},
-               {"big5", "\xA4\x40", "\xE4\xB8\x80"}};
-
-void convert_sample(std::size_t number) {
-    std::string text, utf8;
-    const auto &sample = samples[number % std::size(samples)];
-    for (int i = 0; i < 1000; ++i) {
-        text += sample.text;
-        utf8 += sample.utf8;
-    }
-    EXPECT_EQ(taken(ZEL_LocalToUTF8(text.c_str(), sample.charset)), utf8);
-    EXPECT_EQ(taken(ZEL_UTF8ToLocal(utf8.c_str(), sample.charset)), text);
-}
-
-// At each step two threads convert between the same charsets, and then all borrow the same pairs at once.
-void work(std::size_t worker, std::barrier<> &all) {
+// At each step all threads borrow the same pair at once, and before it two each another.
+void borrow_in_step(std::size_t worker, std::barrier<> &all) {
     for (std::size_t step = 0; step < 60; ++step) {
+        const char *other = shared_charsets[(worker + step) % std::size(shared_charsets)];
         all.arrive_and_wait();
-        convert_sample(worker + step);
-        const char *charset = samples[step % std::size(samples)].charset;
-        const lent_converter to_utf8 = borrow_converter(charset, "UTF-8");
-        const lent_converter from_utf8 = borrow_converter("UTF-8", charset);
+        EXPECT_TRUE(borrow_converter("utf-8", other));
+        const lent_converter lent =
+            borrow_converter(shared_charsets[step % std::size(shared_charsets)], "utf-8");
+        EXPECT_EQ(lent->in_use, 1);
         all.arrive_and_wait();
     }
 }
@@ -112,16 +96,17 @@ TEST(ConverterCache, has_eight_records_of_a_pair_for_eight_threads_and_goes_back
     std::barrier<> all(workers);
     std::vector<std::thread> threads;
     for (std::size_t worker = 0; worker < workers; ++worker)
-        threads.emplace_back(work, worker, std::ref(all));
+        threads.emplace_back(borrow_in_step, worker, std::ref(all));
     for (std::thread &thread : threads)
         thread.join();
     std::map<std::pair<std::string, std::string>, std::vector<const EncodingConverter *>> entries;
     for (const EncodingConverter *pair = head->next_pair; pair; pair = pair->next_pair)
         entries[{pair->from_name.get(), pair->to_name.get()}].push_back(pair);
-    EXPECT_EQ(entries.size(), 2 * std::size(samples));
+    EXPECT_EQ(entries.size(), 2 * std::size(shared_charsets));
     for (const auto &[names, pairs] : entries) {
         EXPECT_LE(pairs.size(), workers);
-        EXPECT_EQ(records_behind(pairs[0], &EncodingConverter::next_instance), 7);
+        const int further = records_behind(pairs[0], &EncodingConverter::next_instance);
+        EXPECT_TRUE(names.second == "utf-8" ? further == 7 : further < 8) << further;
         EXPECT_EQ(borrow_converter(names.first.c_str(), names.second.c_str()).get(), pairs[0]);
     }
 }
