@@ -1,0 +1,276 @@
+// Calls every function that takes text with texts that look worst to it, at two sizes of which one is twice
+// the other, and leaves the count of instructions of each call to callgrind. linear_time.sh runs it and
+// compares.
+
+#include "zel.h"
+
+#include <valgrind/callgrind.h>
+
+#include <cstdio>
+#include <cstring>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr std::size_t half = 16 * 1024;
+
+constexpr const char *patterns[] = {
+    "=?",
+    "?=",
+    "=?utf-8?Q?",
+    "=?utf-8?Q?a?=",
+    "=?utf-8?B?w7w=?=\r\n ",
+    "%",
+    "%41",
+    "'",
+    "\"",
+    "~",
+    "~{",
+    "~{!!~}",
+    "\x1B",
+    "\x1B$B",
+    "\x1B$B!!\x1B(B",
+    "\x0E\x0F",
+    "\x1B$)C\x0E!",
+    "\r\n ",
+    "\r",
+    " ",
+    ",",
+    "=",
+    "&",
+    "&-",
+    "a",
+    "\\",
+    "\xE3\x81\x82",
+    "あ ",
+    "\xC3\xA9",
+    "\xF0\x9F\x98\x80",
+    "\xA4\xA2",
+    "\xA4 ",
+    "\xE9",
+    "abc defg \xE3\x81\x82 ",
+};
+
+struct function {
+    const char *name;
+    std::function<void(char *text, std::int32_t length)> call;
+};
+
+using taker = std::int32_t (*)(char *text, std::int32_t length, char *to, std::int32_t size);
+
+std::vector<char> room(512 * half);
+
+// Asks for the size, takes the whole, and then half of it.
+template <class Call>
+void in_all_sizes(Call call) {
+    const std::int32_t need = call(room.data(), -1);
+    if (need < 0)
+        return;
+    call(room.data(), need + 1);
+    call(room.data(), need / 2);
+}
+
+std::function<void(char *, std::int32_t)> converting(const char *from, const char *to) {
+    return [=](char *text, std::int32_t length) {
+        const std::int32_t need = ZEL_GetResultBufferSize(text, length, from, to);
+        ZEL_ConvertBuffer(from, to, text, length, room.data(), need);
+        ZEL_ConvertBuffer(from, to, text, length, room.data(), need / 4);
+        ZEL_Free(ZEL_LocalToLocal(text, from, to));
+        const char *const list[] = {text};
+        char *result = nullptr;
+        ZEL_ConvertBufferArray(from, to, list, 1, &result);
+        ZEL_Free(result);
+    };
+}
+
+std::function<void(char *, std::int32_t)> directly(decltype(&hz2gb) convert) {
+    return [=](char *text, std::int32_t length) { convert(text, length, room.data(), 5 * length + 4); };
+}
+
+std::function<void(char *, std::int32_t)> header_out(const char *language, const char *charset) {
+    return [=](char *text, std::int32_t) {
+        in_all_sizes([=](char *to, std::int32_t size) {
+            return ZEL_LocalToInternetMessageHeader(language, charset, text, to, size);
+        });
+    };
+}
+
+std::function<void(char *, std::int32_t)> header_in(const char *language, const char *charset) {
+    return [=](char *text, std::int32_t) {
+        in_all_sizes([=](char *to, std::int32_t size) {
+            return ZEL_InternetMessageHeaderToLocal(language, text, charset, to, size);
+        });
+    };
+}
+
+std::function<void(char *, std::int32_t)> parameter_out(const char *language, const char *charset) {
+    return [=](char *text, std::int32_t) {
+        in_all_sizes([=](char *to, std::int32_t size) {
+            return ZEL_LocalToRFC2231(language, "filename", charset, text, to, size);
+        });
+    };
+}
+
+std::function<void(char *, std::int32_t)> body_out(const char *language, const char *charset) {
+    return [=](char *text, std::int32_t) {
+        in_all_sizes([=](char *to, std::int32_t size) {
+            return ZEL_LocalToInternetMessageBody(language, charset, text, to, size, 1);
+        });
+    };
+}
+
+std::function<void(char *, std::int32_t)> body_in(const char *language, const char *from,
+                                                  const char *to_charset) {
+    return [=](char *text, std::int32_t) {
+        in_all_sizes([=](char *to, std::int32_t size) {
+            return ZEL_InternetMessageBodyLocalToLocal(language, from, 0, text, to_charset, to, size);
+        });
+    };
+}
+
+void parameter_in(char *text, std::int32_t) {
+    for (const std::string fields : {"", "iso-2022-jp'ja'"})
+        in_all_sizes([value = fields + text](char *to, std::int32_t size) {
+            return ZEL_RFC2231ToLocal(nullptr, value.c_str(), "Shift_JIS", to, size);
+        });
+}
+
+void name_of_parameter(char *text, std::int32_t) {
+    in_all_sizes([=](char *to, std::int32_t size) {
+        return ZEL_LocalToRFC2231("de", text, "UTF-8", "a long name: é", to, size);
+    });
+}
+
+void tags(char *text, std::int32_t) {
+    ZEL_GetIntLanguageID(text);
+    ZEL_GetIntLanguageID_strict(text);
+    ZEL_WorstCaseMultiplier(text, 1, 1);
+    ZEL_GetOffsetToNextChar(41, text, 'a');
+    ZEL_AcceptLangList(text, reinterpret_cast<char(*)[18]>(room.data()));
+    ZEL_NormalizeLocale(&text);
+    check_l10n_dir(text);
+}
+
+void policies(char *text, std::int32_t) {
+    ZEL_HTTPContentCharset(text);
+    ZEL_InternetMessageCharset(text, text);
+    ZEL_InternetMessageContentTransferEncoding("de", text, 1);
+    ZEL_IsInternetMessageKnownCharset("de", text);
+    ZEL_EncodingConverterExists(text, "UTF-8");
+}
+
+void strings(char *text, std::int32_t) {
+    ZEL_Free(ZEL_LocalToUTF8(text, "iso-8859-1"));
+    ZEL_Free(ZEL_UTF8ToLocal(text, "iso-8859-1"));
+    ZEL_Free(ZEL_LocalToMUTF7(text, "UTF-8"));
+    ZEL_Free(ZEL_MUTF7ToLocal(text, "UTF-8"));
+    ZEL_Free(ZEL_UTF8ToEscapedUnicode(text, 0));
+    ZEL_Free(ZEL_UTF8ToEscapedUnicode(text, 1));
+}
+
+void base64(char *text, std::int32_t length) {
+    ZEL_ApplyBase64Encoding(text, length, room.data(), ZEL_ApplyBase64Encoding(text, length, nullptr, -1));
+}
+
+void vcards(char *text, std::int32_t) {
+    ZEL_Free(ZEL_LocalToVCard21("de", "UTF-8", text));
+    ZEL_Free(ZEL_LocalToVCard21("ja", "UTF-8", text));
+}
+
+void validity(char *text, std::int32_t) {
+    ZEL_IsASCIIString(text);
+    for (const char *charset : {"euc-jp", "Shift_JIS", "big5"})
+        ZEL_CheckStringValidity(charset, text);
+}
+
+void comparison(char *text, std::int32_t) {
+    ZEL_CompareStrings("de", "UTF-8", text, std::string(text).append("x").c_str());
+    ZEL_CompareMessageHeaderStrings("de", "UTF-8", text, std::string(text).append("x").data());
+}
+
+void dates(char *text, std::int32_t) {
+    std::int32_t hours = 0, minutes = 0;
+    ZEL_TimeZoneToOffset(text, 0, &hours, &minutes);
+    ZEL_Free(ZEL_GenerateDateString("de", text, 1719450900, "UTF-8"));
+}
+
+const function functions[] = {
+    {"buffers, UTF-8 to Shift_JIS", converting("UTF-8", "Shift_JIS")},
+    {"buffers, Shift_JIS to UTF-8", converting("Shift_JIS", "UTF-8")},
+    {"buffers, UTF-8 to ISO-2022-JP", converting("UTF-8", "iso-2022-jp")},
+    {"buffers, ISO-2022-JP to UTF-8", converting("iso-2022-jp", "UTF-8")},
+    {"buffers, HZ to UTF-8", converting("hz-gb-2312", "UTF-8")},
+    {"buffers, Big5 to GB 2312", converting("big5", "gb2312")},
+    {"eucjp2jis", directly(eucjp2jis)},
+    {"jis2eucjp", directly(jis2eucjp)},
+    {"sjis2jis", directly(sjis2jis)},
+    {"jis2sjis", directly(jis2sjis)},
+    {"iso2022kr2euckr", directly(iso2022kr2euckr)},
+    {"hz2gb", directly(hz2gb)},
+    {"big2gb", directly(big2gb)},
+    {"gb2big5", directly(gb2big5)},
+    {"header out, de", header_out("de", "UTF-8")},
+    {"header out, ja", header_out("ja", "UTF-8")},
+    {"header out, ja from Shift_JIS", header_out("ja", "Shift_JIS")},
+    {"header out, zh-TW from Big5", header_out("zh-TW", "big5")},
+    {"header in, de", header_in("de", "UTF-8")},
+    {"header in, ja to UTF-8", header_in("ja", "UTF-8")},
+    {"header in, ja to Shift_JIS", header_in("ja", "Shift_JIS")},
+    {"parameter out, de", parameter_out("de", "UTF-8")},
+    {"parameter out, ja", parameter_out("ja", "UTF-8")},
+    {"name of a parameter", name_of_parameter},
+    {"parameter in", parameter_in},
+    {"body out, de", body_out("de", "UTF-8")},
+    {"body out, ja", body_out("ja", "UTF-8")},
+    {"body out, ja from EUC-JP", body_out("ja", "euc-jp")},
+    {"body out, ko", body_out("ko", "UTF-8")},
+    {"body in, ja", body_in("ja", "iso-2022-jp", "euc-jp")},
+    {"body in, ja to UTF-8", body_in("ja", "iso-2022-jp", "UTF-8")},
+    {"body in, zh-CN from HZ", body_in("zh-CN", "hz-gb-2312", "gb2312")},
+    {"tags", tags},
+    {"policies", policies},
+    {"strings", strings},
+    {"Base64", base64},
+    {"vCard values", vcards},
+    {"validity", validity},
+    {"comparison", comparison},
+    {"dates", dates},
+};
+
+// Of twice the size are twice as many, so both texts end alike.
+std::string text_of(std::string_view pattern, std::size_t size) {
+    std::string text;
+    for (std::size_t count = size / half * (half / pattern.size() & ~3U); count > 0; --count)
+        text += pattern;
+    return text;
+}
+
+void count(const function &measured, std::size_t pattern, std::size_t size) {
+    std::string text = text_of(patterns[pattern], size);
+    const std::string label =
+        measured.name + std::string("|") + std::to_string(pattern) + "|" + std::to_string(size / half);
+    CALLGRIND_ZERO_STATS;
+    measured.call(text.data(), static_cast<std::int32_t>(text.size()));
+    CALLGRIND_DUMP_STATS_AT(label.c_str());
+}
+
+} // namespace
+
+// Takes the share of the functions that is counted, as two numbers: which one, of how many.
+int main(int, char **numbers) {
+    const std::size_t first = std::stoul(numbers[1]), step = std::stoul(numbers[2]);
+    const ZELConfig config = {0, 0, 0, "/nowhere"};
+    ZEL_Initialize("/nowhere", &config);
+    for (std::size_t i = first; i < std::size(functions); i += step) {
+        for (const char *pattern : {"あ ", "é\x83"}) { // what is opened or built once does not count
+            std::string text = text_of(pattern, 8 * half);
+            functions[i].call(text.data(), static_cast<std::int32_t>(text.size()));
+        }
+        for (std::size_t pattern = 0; pattern < std::size(patterns); ++pattern)
+            for (const std::size_t size : {half, 2 * half})
+                count(functions[i], pattern, size);
+    }
+    return 0;
+}
