@@ -83,9 +83,15 @@ work filling(Function fill) {
     };
 }
 
+// With the room that the library asks for.
 work convert_buffer(const std::string &from_charset, const std::string &to_charset) {
-    return filling([=](const char *from, std::int32_t len, char *to, std::int32_t size) {
-        return ZEL_ConvertBuffer(from_charset.c_str(), to_charset.c_str(), from, len, to, size);
+    const std::string sample(1000, ' ');
+    const auto sample_size = static_cast<std::int32_t>(sample.size());
+    const std::int32_t factor =
+        ZEL_GetResultBufferSize(sample.data(), sample_size, from_charset.c_str(), to_charset.c_str()) /
+        sample_size;
+    return filling([=](const char *from, std::int32_t len, char *to, std::int32_t) {
+        return ZEL_ConvertBuffer(from_charset.c_str(), to_charset.c_str(), from, len, to, factor * len + 1);
     });
 }
 
