@@ -3,20 +3,22 @@
 #include "fuzz.h"
 
 #include <functional>
+#include <optional>
+#include <vector>
 
 namespace {
 
 using decoder = std::function<std::int32_t(char *, std::int32_t)>;
 
-// The result, and the text with it where there is one. A full buffer has no terminator.
-std::pair<std::int32_t, std::string> decoded(const decoder &decode, std::int32_t room) {
+// Nothing where there is no converter. A full buffer has no terminator.
+std::optional<std::string> decoded(const decoder &decode, std::int32_t room) {
     const block to(static_cast<std::size_t>(room));
     const std::int32_t length = decode(to.data(), room);
-    require(length == -5 || (length >= 0 && length <= room),
-            "the length is that of a text inside the buffer");
-    require(length < 0 || length == room || to.data()[length] == '\0',
-            "the result is terminated where there is room");
-    return {length, std::string(to.data(), static_cast<std::size_t>(std::max(length, 0)))};
+    if (length == -5)
+        return std::nullopt;
+    require(length >= 0 && (length == room || (length < room && to.data()[length] == '\0')),
+            "the result is inside the buffer, and terminated where there is room");
+    return std::string(to.data(), static_cast<std::size_t>(length));
 }
 
 } // namespace
@@ -24,42 +26,35 @@ std::pair<std::int32_t, std::string> decoded(const decoder &decode, std::int32_t
 int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
     input in(data, size);
     const char *const language = in.language(), *const to_charset = in.charset();
-    const char *const choice = in.charset(), *const from_charset = choice == charsets[20] ? nullptr : choice;
+    const char *from = in.charset();
+    from = from == *std::rbegin(charsets) ? nullptr : from;
     const auto cut = static_cast<std::int32_t>(in.number());
-    const std::string bytes = in.bytes(), text = in.text();
-    const block string = terminated(text), body(bytes);
-    const auto length = static_cast<std::int32_t>(text.size());
-
-    const decoder reference = [&](char *to, std::int32_t room) {
-        return ZEL_InternetMessageBodyLocalToLocal(language, from_charset, 'b', string.data(), to_charset, to,
-                                                   room);
+    const block text = terminated(in.text()), body(in.bytes());
+    const auto with_length = [&](const block &given, std::int32_t length) {
+        return [&, length](char *to, std::int32_t room) {
+            return ZEL_InternetMessageBodyLocalToLocalLen(language, from, 'b', given.data(), length,
+                                                          to_charset, to, room);
+        };
     };
-    const decoder with_length = [&](char *to, std::int32_t room) {
-        return ZEL_InternetMessageBodyLocalToLocalLen(language, from_charset, '\0', string.data(), length,
-                                                      to_charset, to, room);
-    };
-    const decoder by_language = [&](char *to, std::int32_t room) {
-        return ZEL_InternetMessageBodyToLocal(language, 'q', string.data(), to_charset, to, room);
-    };
-    const decoder by_language_with_length = [&](char *to, std::int32_t room) {
-        return ZEL_InternetMessageBodyToLocalLen(language, '\xFF', string.data(), length, to_charset, to,
-                                                 room);
-    };
-    const decoder with_zero_bytes = [&](char *to, std::int32_t room) {
-        return ZEL_InternetMessageBodyLocalToLocalLen(language, from_charset, 'b', body.data(), body.size(),
-                                                      to_charset, to, room);
-    };
-    const std::int32_t need = reference(nullptr, -1);
-    require(need == with_length(nullptr, -1), "a length asks for the same size");
-    for (const std::int32_t room : {std::max(need, 0) + 1, cut % (std::max(need, 0) + 2)}) {
+    const decoder reference = with_length(text, text.size() - 1);
+    std::vector<decoder> others = {[&](char *to, std::int32_t room) {
+        return ZEL_InternetMessageBodyLocalToLocal(language, from, '\0', text.data(), to_charset, to, room);
+    }};
+    if (!from) {
+        others.emplace_back([&](char *to, std::int32_t room) {
+            return ZEL_InternetMessageBodyToLocal(language, 'q', text.data(), to_charset, to, room);
+        });
+        others.emplace_back([&](char *to, std::int32_t room) {
+            return ZEL_InternetMessageBodyToLocalLen(language, '8', text.data(), -1, to_charset, to, room);
+        });
+    }
+    const std::int32_t need = reference(nullptr, -1), most = std::max(need, 0) + 1;
+    for (const std::int32_t room : {most, cut % (most + 1)}) {
         const auto expected = decoded(reference, room);
-        require((expected.first < 0) == (need < 0), "both calls fail alike");
-        require(decoded(with_length, room) == expected, "a length gives the same text");
-        if (!from_charset)
-            require(decoded(by_language, room) == expected, "a null charset is that of the language");
-        require(decoded(by_language, room) == decoded(by_language_with_length, room),
-                "a length gives the same text");
-        decoded(with_zero_bytes, room);
+        require(!expected == (need == -5), "both calls fail alike");
+        for (const decoder &other : others)
+            require(other(nullptr, -1) == need && decoded(other, room) == expected, "all four do the same");
+        decoded(with_length(body, body.size()), room);
     }
     return 0;
 }
