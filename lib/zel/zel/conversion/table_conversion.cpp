@@ -10,16 +10,6 @@ bool ended(const byte_pass &pass) {
     return pass.from == pass.from_end;
 }
 
-// Whether each write asks for room, or the whole text has been found to fit whatever it converts to.
-enum class bounds { tested, ample };
-
-constexpr std::size_t slack = 4; // what one store may write
-
-template <bounds Bounds>
-bool has_room(const byte_pass &pass, std::size_t bytes) {
-    return Bounds == bounds::ample || room(pass) >= bytes;
-}
-
 verdict put_bytes(byte_pass &pass, const void *bytes, std::size_t length) {
     if (room(pass) < length)
         return verdict::full;
@@ -29,23 +19,21 @@ verdict put_bytes(byte_pass &pass, const void *bytes, std::size_t length) {
 }
 
 // Four bytes are stored at once where there is room for them, and as many kept as the character has.
-template <bounds Bounds>
 verdict put_character(byte_pass &pass, const utf8_character &character) {
     if (character.length == 0)
         return verdict::undecided;
-    if (!has_room<Bounds>(pass, slack))
+    if (room(pass) < sizeof character)
         return put_bytes(pass, character.bytes.data(), character.length);
     std::memcpy(pass.to, &character, sizeof character);
     pass.to += character.length;
     return verdict::done;
 }
 
-template <bounds Bounds>
 verdict put_code(byte_pass &pass, charset_code code) {
     if (code == 0)
         return verdict::undecided;
     const std::size_t length = code > 0xFF ? 2 : 1;
-    if (!has_room<Bounds>(pass, length))
+    if (room(pass) < length)
         return verdict::full;
     pass.to[0] = static_cast<unsigned char>(code >> 8);
     pass.to[length - 1] = static_cast<unsigned char>(code);
@@ -53,18 +41,17 @@ verdict put_code(byte_pass &pass, charset_code code) {
     return verdict::done;
 }
 
-template <bounds Bounds>
 verdict convert_character(const code_table &table, byte_pass &pass) {
     const unsigned char byte = *pass.from;
     if (!table.leads[byte]) {
         ++pass.from;
-        return put_character<Bounds>(pass, table.singles[byte]);
+        return put_character(pass, table.singles[byte]);
     }
     if (left(pass) < 2)
         return verdict::undecided;
     const unsigned char trail = pass.from[1];
     pass.from += 2;
-    return put_character<Bounds>(pass, table.pairs[static_cast<std::size_t>(byte & 0x7F) << 8 | trail]);
+    return put_character(pass, table.pairs[static_cast<std::size_t>(byte & 0x7F) << 8 | trail]);
 }
 
 bool is_continuation(unsigned char byte) {
@@ -89,6 +76,55 @@ unsigned take_code_point(byte_pass &pass) {
         return 0;
     pass.from += 2;
     return (from[0] & 0x1FU) << 6 | (from[1] & 0x3FU);
+}
+
+bool is_at_printable_or_end(const byte_pass &pass) {
+    return ended(pass) || belongs_to<ascii_run::printable>(*pass.from);
+}
+
+// The three walks below are inlined by force: a cursor whose address is passed on is no register any more.
+
+// Characters of dense text, pair behind pair, as far as the table decides them. No lead byte, no pairs: what
+// begins with another byte is undecided here.
+[[gnu::always_inline]] inline void convert_pairs(const code_table &table, byte_pass &pass) {
+    while (left(pass) >= 2 && pass.from[0] >= first_lead_byte && room(pass) >= sizeof(utf8_character)) {
+        const utf8_character &character =
+            table.pairs[static_cast<std::size_t>(pass.from[0] & 0x7F) << 8 | pass.from[1]];
+        if (character.length == 0)
+            return;
+        std::memcpy(pass.to, &character, sizeof character);
+        pass.to += character.length;
+        pass.from += 2;
+    }
+}
+
+// The way back: three bytes of UTF-8 behind three, as far as they become pairs.
+[[gnu::always_inline]] inline void convert_to_pairs(const code_table &table, byte_pass &pass) {
+    while (left(pass) >= 3 && room(pass) >= 2) {
+        const unsigned lead = pass.from[0], second = pass.from[1], third = pass.from[2];
+        const unsigned code_point = (lead & 0x0F) << 12 | (second & 0x3F) << 6 | (third & 0x3F);
+        const charset_code code = table.codes[code_point];
+        const bool is_whole = (lead & 0xF0) == 0xE0 && (second & 0xC0) == 0x80 && (third & 0xC0) == 0x80;
+        if (!is_whole || code_point < 0x800 || code <= 0xFF)
+            return;
+        pass.to[0] = static_cast<unsigned char>(code >> 8);
+        pass.to[1] = static_cast<unsigned char>(code);
+        pass.to += 2;
+        pass.from += 3;
+    }
+}
+
+// Two bytes of UTF-8 behind two, as far as they become single ones.
+[[gnu::always_inline]] inline void convert_to_singles(const code_table &table, byte_pass &pass) {
+    while (left(pass) >= 2 && room(pass) >= 1) {
+        const unsigned lead = pass.from[0], second = pass.from[1];
+        const charset_code code = table.codes[(lead & 0x1F) << 6 | (second & 0x3F)];
+        const bool is_whole = lead >= 0xC2 && lead < 0xE0 && (second & 0xC0) == 0x80;
+        if (!is_whole || code == 0 || code > 0xFF)
+            return;
+        *pass.to++ = static_cast<unsigned char>(code);
+        pass.from += 2;
+    }
 }
 
 // Whether another character follows, maybe behind a lone byte of ASCII: the blank between two words.
@@ -148,7 +184,7 @@ verdict convert_kanji_run(const code_table &table, byte_pass &pass) {
     while (!ended(pass) && !stands_at_escape(pass)) {
         if (!table.leads[*pass.from])
             return verdict::undecided;
-        if (const verdict kanji = convert_character<bounds::tested>(table, pass); kanji != verdict::done)
+        if (const verdict kanji = convert_character(table, pass); kanji != verdict::done)
             return kanji;
     }
     return take_escape(pass, leave_kanji) && !stands_at_escape(pass) ? verdict::done : verdict::undecided;
@@ -168,8 +204,7 @@ verdict convert_run_to_jis(const code_table &table, byte_pass &pass) {
         const charset_code code = table.codes[take_code_point(pass)];
         if (code == 0)
             return verdict::undecided;
-        if (switch_set(code > 0xFF, in_kanji, pass) == verdict::full ||
-            put_code<bounds::tested>(pass, code) == verdict::full)
+        if (switch_set(code > 0xFF, in_kanji, pass) == verdict::full || put_code(pass, code) == verdict::full)
             return verdict::full;
     }
     return switch_set(false, in_kanji, pass);
@@ -178,7 +213,7 @@ verdict convert_run_to_jis(const code_table &table, byte_pass &pass) {
 // A charset without pairs, in text where most steps of ASCII would stop short: byte by byte without a branch,
 // as many bytes a turn as a step of ASCII has.
 verdict convert_singles(const code_table &table, byte_pass &pass) {
-    while (left(pass) >= lane_step) {
+    while (left(pass) >= lane_step && room(pass) >= lane_step * sizeof(utf8_character)) {
         if (!any(is_high(load_bytes(pass.from)))) {
             copy_run<ascii_run::whole>(pass);
             continue;
@@ -194,8 +229,7 @@ verdict convert_singles(const code_table &table, byte_pass &pass) {
             return verdict::undecided;
         pass.from += lane_step;
     }
-    return convert_runs<ascii_run::whole>(pass,
-                                          [&] { return convert_character<bounds::ample>(table, pass); });
+    return convert_runs<ascii_run::whole>(pass, [&] { return convert_character(table, pass); });
 }
 
 // The walks work on cursors of their own: those of the caller might be what a byte is stored into, for all
@@ -210,28 +244,26 @@ verdict on_copy(byte_pass &pass, Walk walk) {
 
 } // namespace
 
-// A byte becomes at most one character of three bytes, and no character of UTF-8 becomes longer.
 verdict convert_to_utf8(const code_table &table, byte_pass &whole) {
-    const bool ample = room(whole) / 3 >= left(whole) + slack;
     return on_copy(whole, [&](byte_pass &pass) {
-        if (ample && table.single_byte && table.keeps_ascii)
+        if (table.single_byte && table.keeps_ascii)
             return convert_singles(table, pass);
-        if (ample)
-            return convert_any(table, pass, [&] { return convert_character<bounds::ample>(table, pass); });
-        return convert_any(table, pass, [&] { return convert_character<bounds::tested>(table, pass); });
+        return convert_any(table, pass, [&] {
+            convert_pairs(table, pass);
+            return is_at_printable_or_end(pass) ? verdict::done : convert_character(table, pass);
+        });
     });
 }
 
 verdict convert_from_utf8(const code_table &table, byte_pass &whole) {
-    const bool ample = room(whole) >= left(whole) + slack;
     return on_copy(whole, [&](byte_pass &pass) {
-        const auto put_next = [&] {
-            return put_code<bounds::ample>(pass, table.codes[take_code_point(pass)]);
+        const auto convert_next = [&] {
+            return is_at_printable_or_end(pass) ? verdict::done
+                                                : put_code(pass, table.codes[take_code_point(pass)]);
         };
-        const auto test_next = [&] {
-            return put_code<bounds::tested>(pass, table.codes[take_code_point(pass)]);
-        };
-        return ample ? convert_any(table, pass, put_next) : convert_any(table, pass, test_next);
+        if (table.single_byte)
+            return convert_any(table, pass, [&] { return convert_to_singles(table, pass), convert_next(); });
+        return convert_any(table, pass, [&] { return convert_to_pairs(table, pass), convert_next(); });
     });
 }
 
@@ -239,7 +271,7 @@ verdict convert_jis_to_utf8(const code_table &table, byte_pass &whole) {
     return on_copy(whole, [&](byte_pass &pass) {
         return convert_runs<ascii_run::printable>(pass, [&] {
             return stands_at_escape(pass) ? convert_kanji_run(table, pass)
-                                          : put_character<bounds::tested>(pass, table.singles[*pass.from++]);
+                                          : put_character(pass, table.singles[*pass.from++]);
         });
     });
 }
