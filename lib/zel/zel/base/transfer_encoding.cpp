@@ -10,278 +10,253 @@ namespace {
 
 // A byte as it is written; four bytes long, so that one store takes it whole.
 struct qp_unit {
-  std::array<char, 3> characters;
-  std::uint8_t length; // 0 for a line end
+    std::array<char, 3> characters;
+    std::uint8_t length; // 0 for a line end
 };
 
 struct qp_mode {
-  std::array<qp_unit, 256> units;
-  std::uint32_t limit; // a line that has come so far is broken
+    std::array<qp_unit, 256> units;
+    std::uint32_t limit; // a line that has come so far is broken
 };
 
 constexpr bool is_one_of(unsigned char byte, std::string_view set) {
-  return set.find(static_cast<char>(byte)) != std::string_view::npos;
+    return set.find(static_cast<char>(byte)) != std::string_view::npos;
 }
 
 constexpr bool is_blank(unsigned char byte) {
-  return byte == ' ' || byte == '\t';
+    return byte == ' ' || byte == '\t';
 }
 
-// More is encoded than RFC 2045 asks for: "=?_" so that words and bodies differ
-// little, and all other punctuation so that gateways between character sets,
-// and transports that treat a leading dot as their own, leave the text alone.
+// More is encoded than RFC 2045 asks for: "=?_" so that words and bodies differ little, and all other
+// punctuation so that gateways between character sets, and transports that treat a leading dot as their own,
+// leave the text alone.
 constexpr bool is_literal(unsigned char byte, bool q_mode) {
-  return is_one_of(byte, basis_64) || is_one_of(byte, "!*-") ||
-         (!q_mode && is_one_of(byte, "()"));
+    return is_one_of(byte, basis_64) || is_one_of(byte, "!*-") || (!q_mode && is_one_of(byte, "()"));
 }
 
 constexpr qp_unit unit_of(unsigned char byte, bool q_mode) {
-  if (is_one_of(byte, "\r\n"))
-    return {{}, 0};
-  if (is_literal(byte, q_mode))
-    return {{static_cast<char>(byte)}, 1};
-  if (is_blank(byte))
-    return {{q_mode ? '_' : static_cast<char>(byte)}, 1};
-  return {{'=', hexdigits[byte >> 4], hexdigits[byte & 0xF]}, 3};
+    if (is_one_of(byte, "\r\n"))
+        return {{}, 0};
+    if (is_literal(byte, q_mode))
+        return {{static_cast<char>(byte)}, 1};
+    if (is_blank(byte))
+        return {{q_mode ? '_' : static_cast<char>(byte)}, 1};
+    return {{'=', hexdigits[byte >> 4], hexdigits[byte & 0xF]}, 3};
 }
 
 constexpr qp_mode mode_of(bool q_mode, std::uint32_t limit) {
-  qp_mode mode = {{}, limit};
-  for (unsigned byte = 0; byte < mode.units.size(); ++byte)
-    mode.units[byte] = unit_of(static_cast<unsigned char>(byte), q_mode);
-  return mode;
+    qp_mode mode = {{}, limit};
+    for (unsigned byte = 0; byte < mode.units.size(); ++byte)
+        mode.units[byte] = unit_of(static_cast<unsigned char>(byte), q_mode);
+    return mode;
 }
 
 constexpr qp_mode body = mode_of(false, 73);
 constexpr qp_mode word = mode_of(true, 60);
 
-static_assert(body.units['='].length == 3 && body.units['.'].length == 3 &&
-              body.units['('].length == 1);
-static_assert(word.units['+'].length == 1 && word.units['\0'].length == 3 &&
-              word.units['('].length == 3);
+static_assert(body.units['='].length == 3 && body.units['.'].length == 3 && body.units['('].length == 1);
+static_assert(word.units['+'].length == 1 && word.units['\0'].length == 3 && word.units['('].length == 3);
 
-constexpr std::size_t ample =
-    80; // for any line, and what a store writes behind its last unit
+constexpr std::size_t ample = 80; // for any line, and what a store writes behind its last unit
 
 inline char *store_unit(const qp_unit &unit, char *to) {
-  std::memcpy(to, &unit, sizeof unit);
-  return to + unit.length;
+    std::memcpy(to, &unit, sizeof unit);
+    return to + unit.length;
 }
 
-// Up to a line end or the limit, a store for each byte; while the limit is far,
-// it is looked at once for four of them. Both modes have walks of their own,
-// with their table and their limit built in.
+// Up to a line end or the limit, which is looked at once for four bytes while it is far. Both modes have
+// walks of their own, with their table and their limit built in.
 template <const qp_mode &mode>
 char *store_units(input &from, char *to, const char *limit) {
-  const unsigned char *at = from.at;
-  for (; from.end - at >= 4 && limit - to > 3 * 3; at += 4) {
-    const qp_unit &first = mode.units[at[0]], &second = mode.units[at[1]];
-    const qp_unit &third = mode.units[at[2]], &fourth = mode.units[at[3]];
-    if (!first.length || !second.length || !third.length || !fourth.length)
-      break;
-    to = store_unit(
-        fourth, store_unit(third, store_unit(second, store_unit(first, to))));
-  }
-  for (; at != from.end && to < limit && mode.units[*at].length; ++at)
-    to = store_unit(mode.units[*at], to);
-  from.at = at;
-  return to;
+    const unsigned char *at = from.at;
+    for (; from.end - at >= 4 && limit - to > 3 * 3; at += 4) {
+        const qp_unit &first = mode.units[at[0]], &second = mode.units[at[1]];
+        const qp_unit &third = mode.units[at[2]], &fourth = mode.units[at[3]];
+        if (!first.length || !second.length || !third.length || !fourth.length)
+            break;
+        to = store_unit(fourth, store_unit(third, store_unit(second, store_unit(first, to))));
+    }
+    for (; at != from.end && to < limit && mode.units[*at].length; ++at)
+        to = store_unit(mode.units[*at], to);
+    from.at = at;
+    return to;
 }
 
 // Up to a line end or the line's limit.
 template <const qp_mode &mode>
 bool put_units(input &from, output &to, std::uint32_t &column) {
-  if (fits(to, ample)) {
-    char uncounted[ample];
-    char *const start = to.start ? to.start + to.length : uncounted;
-    const char *const end =
-        store_units<mode>(from, start, start + mode.limit - column);
-    to.length += static_cast<std::size_t>(end - start);
-    column += static_cast<std::uint32_t>(end - start);
+    if (fits(to, ample)) {
+        char uncounted[ample];
+        char *const start = to.start ? to.start + to.length : uncounted;
+        const char *const end = store_units<mode>(from, start, start + mode.limit - column);
+        to.length += static_cast<std::size_t>(end - start);
+        column += static_cast<std::uint32_t>(end - start);
+        return true;
+    }
+    for (; !ended(from) && column < mode.limit && mode.units[*from.at].length; ++from.at) {
+        const qp_unit &unit = mode.units[*from.at];
+        if (!put(to, {unit.characters.data(), unit.length}))
+            return false;
+        column += unit.length;
+    }
     return true;
-  }
-  for (; !ended(from) && column < mode.limit && mode.units[*from.at].length;
-       ++from.at) {
-    const qp_unit &unit = mode.units[*from.at];
-    if (!put(to, {unit.characters.data(), unit.length}))
-      return false;
-    column += unit.length;
-  }
-  return true;
 }
 
 bool put_line_end(input &from, output &to, std::uint32_t &column) {
-  from.at += peek(from) == '\r' && peek(from, 1) == '\n' ? 2 : 1;
-  column = 0;
-  return put(to, "\r\n");
+    from.at += peek(from) == '\r' && peek(from, 1) == '\n' ? 2 : 1;
+    column = 0;
+    return put(to, "\r\n");
 }
 
 bool put_soft_break(output &to, std::uint32_t &column) {
-  column = 0;
-  return put(to, "=\r\n");
+    column = 0;
+    return put(to, "=\r\n");
 }
 
 // A blank at the end of a line does not survive all transports.
 bool put_body(input from, output &to) {
-  std::uint32_t column = 0;
-  while (!ended(from)) {
-    if (!put_units<body>(from, to, column))
-      return false;
-    const bool broken = column >= body.limit ||
-                        (!ended(from) && column > 0 && is_blank(from.at[-1]));
-    if (broken && !put_soft_break(to, column))
-      return false;
-    if (!ended(from) && body.units[*from.at].length == 0 &&
-        !put_line_end(from, to, column))
-      return false;
-  }
-  return true;
+    std::uint32_t column = 0;
+    while (!ended(from)) {
+        if (!put_units<body>(from, to, column))
+            return false;
+        const bool broken = column >= body.limit || (!ended(from) && column > 0 && is_blank(from.at[-1]));
+        if (broken && !put_soft_break(to, column))
+            return false;
+        if (!ended(from) && body.units[*from.at].length == 0 && !put_line_end(from, to, column))
+            return false;
+    }
+    return true;
 }
 
-bool put_word_opening(output &to, std::string_view lead,
-                      std::string_view charset) {
-  return fits(to, lead.size() + charset.size() + 5) && put(to, lead) &&
-         put(to, "=?") && put(to, charset) && put(to, "?Q?");
+bool put_word_opening(output &to, std::string_view lead, std::string_view charset) {
+    return fits(to, lead.size() + charset.size() + 5) && put(to, lead) && put(to, "=?") && put(to, charset) &&
+           put(to, "?Q?");
 }
 
 // word_end stays behind the last whole word.
-bool put_words(input from, output &to, std::string_view charset,
-               std::size_t &word_end) {
-  if (!put_word_opening(to, "", charset))
-    return false;
-  std::uint32_t column = 0;
-  bool word_closed = false;
-  while (!ended(from)) {
-    if (!put_units<word>(from, to, column))
-      return false;
-    if (column < word.limit) {
-      if (!ended(from) && !put_line_end(from, to, column))
+bool put_words(input from, output &to, std::string_view charset, std::size_t &word_end) {
+    if (!put_word_opening(to, "", charset))
         return false;
-      continue;
+    std::uint32_t column = 0;
+    bool word_closed = false;
+    while (!ended(from)) {
+        if (!put_units<word>(from, to, column))
+            return false;
+        if (column < word.limit) {
+            if (!ended(from) && !put_line_end(from, to, column))
+                return false;
+            continue;
+        }
+        if (!put(to, "?="))
+            return false;
+        word_end = to.length;
+        if (!put(to, "\r\n"))
+            return false;
+        column = 0;
+        word_closed = ended(from);
+        if (!word_closed && !put_word_opening(to, "\t", charset))
+            return false;
     }
-    if (!put(to, "?="))
-      return false;
-    word_end = to.length;
-    if (!put(to, "\r\n"))
-      return false;
-    column = 0;
-    word_closed = ended(from);
-    if (!word_closed && !put_word_opening(to, "\t", charset))
-      return false;
-  }
-  return word_closed || put(to, "?=");
+    return word_closed || put(to, "?=");
 }
 
-// The one or two bytes behind the last whole group. The padding goes by their
-// number alone.
+// The one or two bytes behind the last whole group. The padding goes by their number alone.
 char *encodeChunk(std::string_view from, char *to) {
-  const char padded[] = {from[0], from.size() > 1 ? from[1] : '\0', '\0'};
-  to = encode_groups({padded, to}, std::end(padded)).to;
-  to[-1] = '=';
-  if (from.size() == 1)
-    to[-2] = '=';
-  return to;
+    const char padded[] = {from[0], from.size() > 1 ? from[1] : '\0', '\0'};
+    to = encode_groups({padded, to}, std::end(padded)).to;
+    to[-1] = '=';
+    if (from.size() == 1)
+        to[-2] = '=';
+    return to;
 }
 
 char *encode_base64(base64_cursors at, const char *end) {
-  at = encode_groups(at, end);
-  return at.from == end ? at.to : encodeChunk({at.from, end}, at.to);
+    at = encode_groups(at, end);
+    return at.from == end ? at.to : encodeChunk({at.from, end}, at.to);
 }
 
 constexpr auto base64_values = [] {
-  std::array<unsigned char, 256> values =
-      {}; // what is not in the alphabet counts as 0 and takes its place
-  for (unsigned value = 0; value < basis_64.size(); ++value)
-    values[static_cast<unsigned char>(basis_64[value])] =
-        static_cast<unsigned char>(value);
-  return values;
+    std::array<unsigned char, 256> values = {}; // what is not in the alphabet counts as 0 and takes its place
+    for (unsigned value = 0; value < basis_64.size(); ++value)
+        values[static_cast<unsigned char>(basis_64[value])] = static_cast<unsigned char>(value);
+    return values;
 }();
 
-static_assert(base64_values['A'] == 0 && base64_values['/'] == 63 &&
-              base64_values['='] == 0);
+static_assert(base64_values['A'] == 0 && base64_values['/'] == 63 && base64_values['='] == 0);
 
 } // namespace
 
-std::int32_t mime_encode_qp_src(std::string_view text, output &to, bool q_mode,
-                                const char *charset) {
-  const auto *start = reinterpret_cast<const unsigned char *>(text.data());
-  const input from = {start, start + text.size()};
-  if (!q_mode)
-    return put_body(from, to) ? 0 : -1;
-  std::size_t word_end = to.length;
-  if (put_words(from, to, charset, word_end))
-    return 0;
-  to.length = word_end;
-  return -1;
+std::int32_t mime_encode_qp_src(std::string_view text, output &to, bool q_mode, const char *charset) {
+    const auto *start = reinterpret_cast<const unsigned char *>(text.data());
+    const input from = {start, start + text.size()};
+    if (!q_mode)
+        return put_body(from, to) ? 0 : -1;
+    std::size_t word_end = to.length;
+    if (put_words(from, to, charset, word_end))
+        return 0;
+    to.length = word_end;
+    return -1;
 }
 
 bool put_base64(output &to, std::string_view from) {
-  const std::size_t size = base64_size(from.size());
-  if (!fits(to, size))
-    return false;
-  if (to.start)
-    encode_base64({from.begin(), to.start + to.length}, from.end());
-  to.length += size;
-  return true;
+    const std::size_t size = base64_size(from.size());
+    if (!fits(to, size))
+        return false;
+    if (to.start)
+        encode_base64({from.begin(), to.start + to.length}, from.end());
+    to.length += size;
+    return true;
 }
 
-// Groups go on behind a padded group, and up to three characters left over at
-// the end give nothing.
+// Groups go on behind a padded group, and up to three characters left over at the end give nothing.
 std::size_t decode_b(std::string_view from, char *to) {
-  char *const start = to;
-  for (; from.size() >= 4; from.remove_prefix(4)) {
-    unsigned bits = 0;
-    for (std::size_t i = 0; i < 4; ++i)
-      bits = bits << 6 | base64_values[static_cast<unsigned char>(from[i])];
-    *to++ = static_cast<char>(bits >> 16);
-    if (from[2] == '=')
-      continue;
-    *to++ = static_cast<char>(bits >> 8);
-    if (from[3] != '=')
-      *to++ = static_cast<char>(bits);
-  }
-  return static_cast<std::size_t>(to - start);
+    char *const start = to;
+    for (; from.size() >= 4; from.remove_prefix(4)) {
+        unsigned bits = 0;
+        for (std::size_t i = 0; i < 4; ++i)
+            bits = bits << 6 | base64_values[static_cast<unsigned char>(from[i])];
+        *to++ = static_cast<char>(bits >> 16);
+        if (from[2] == '=')
+            continue;
+        *to++ = static_cast<char>(bits >> 8);
+        if (from[3] != '=')
+            *to++ = static_cast<char>(bits);
+    }
+    return static_cast<std::size_t>(to - start);
 }
 
-// A "=" that fewer than two characters follow stands for itself, as does what
-// follows it; behind any other
+// A "=" that fewer than two characters follow stands for itself, as does what follows it; behind any other
 // "=", what is not a hex digit counts as 0.
 std::size_t decode_q(std::string_view from, char *to) {
-  char *const start = to;
-  while (!from.empty()) {
-    if (from.front() != '=') {
-      *to++ = from.front() == '_' ? ' ' : from.front();
-      from.remove_prefix(1);
-    } else if (from.size() < 3) {
-      to = std::copy(from.begin(), from.end(), to);
-      from = {};
-    } else {
-      const int high =
-          std::max(hex_value(static_cast<unsigned char>(from[1])), 0);
-      const int low =
-          std::max(hex_value(static_cast<unsigned char>(from[2])), 0);
-      *to++ = static_cast<char>(high << 4 | low);
-      from.remove_prefix(3);
+    char *const start = to;
+    while (!from.empty()) {
+        if (from.front() != '=') {
+            *to++ = from.front() == '_' ? ' ' : from.front();
+            from.remove_prefix(1);
+        } else if (from.size() < 3) {
+            to = std::copy(from.begin(), from.end(), to);
+            from = {};
+        } else {
+            const int high = std::max(hex_value(static_cast<unsigned char>(from[1])), 0);
+            const int low = std::max(hex_value(static_cast<unsigned char>(from[2])), 0);
+            *to++ = static_cast<char>(high << 4 | low);
+            from.remove_prefix(3);
+        }
     }
-  }
-  return static_cast<std::size_t>(to - start);
+    return static_cast<std::size_t>(to - start);
 }
 
 } // namespace zel
 
 using namespace zel;
 
-int32_t ZEL_ApplyBase64Encoding(const char *from_buf, int32_t from_len,
-                                char *to_buf, int32_t to_size) {
-  std::string_view from(from_buf,
-                        from_len > 0 ? static_cast<std::size_t>(from_len) : 0);
-  if (to_size < 0) {
-    const std::uint64_t need =
-        base64_size(from.size()) + from.size() / base64_line_bytes * 2 + 1;
-    return saturate(std::max<std::uint64_t>(from.size() * 2, need));
-  }
-  char *const to = encode_base64(
-      encode_lines({from.begin(), to_buf}, from.end()), from.end());
-  *to = '\0';
-  return saturate(static_cast<std::uint64_t>(to - to_buf));
+int32_t ZEL_ApplyBase64Encoding(const char *from_buf, int32_t from_len, char *to_buf, int32_t to_size) {
+    std::string_view from(from_buf, from_len > 0 ? static_cast<std::size_t>(from_len) : 0);
+    if (to_size < 0) {
+        const std::uint64_t need = base64_size(from.size()) + from.size() / base64_line_bytes * 2 + 1;
+        return saturate(std::max<std::uint64_t>(from.size() * 2, need));
+    }
+    char *const to = encode_base64(encode_lines({from.begin(), to_buf}, from.end()), from.end());
+    *to = '\0';
+    return saturate(static_cast<std::uint64_t>(to - to_buf));
 }
