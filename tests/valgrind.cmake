@@ -9,7 +9,7 @@ function(add_valgrind_test name)
     else()
         add_test(NAME ${name} COMMAND sh -c "echo skipped: it takes valgrind >&2 && exit 77")
     endif()
-    set_tests_properties(${name} PROPERTIES SKIP_RETURN_CODE 77 LABELS valgrind TIMEOUT 600)
+    set_tests_properties(${name} PROPERTIES SKIP_RETURN_CODE 77 LABELS valgrind TIMEOUT 1500)
 endfunction()
 
 if(VALGRIND_INCLUDE)
