@@ -34,22 +34,29 @@ bool is_fold(const char *at) {
     return at[0] == '\r' && at[1] == '\n' && is_blank(at[2]);
 }
 
+char *move_down(char *to, const char *from, const char *end) {
+    const auto length = static_cast<std::size_t>(end - from);
+    if (to != from)
+        std::memmove(to, from, length);
+    return to + length;
+}
+
 // Takes the folds out, in place. A fold that an encoded word follows goes whole; any other leaves its blanks.
 void unfold(char *text) {
     char *to = text;
-    for (const char *from = text; *from;) {
-        if (!is_fold(from)) {
-            *to++ = *from++;
+    const char *from = text; // what stands from here on is not moved yet
+    for (const char *at = std::strchr(text, '\r'); at; at = std::strchr(at, '\r')) {
+        if (!is_fold(at)) {
+            ++at;
             continue;
         }
-        from += 2;
-        const char *behind = from + std::strspn(from, " \t");
-        if (behind[0] == '=' && behind[1] == '?')
-            from = behind;
-        while (from != behind)
-            *to++ = *from++;
+        to = move_down(to, from, at);
+        from = at + 2;
+        at = from + std::strspn(from, " \t");
+        if (at[0] == '=' && at[1] == '?')
+            from = at;
     }
-    *to = '\0';
+    move_down(to, from, from + std::strlen(from) + 1);
 }
 
 struct encoded_word {
