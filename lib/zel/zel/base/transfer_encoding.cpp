@@ -59,6 +59,8 @@ static_assert(word.units['+'].length == 1 && word.units['\0'].length == 3 && wor
 
 constexpr std::size_t ample = 80; // for any line, and what a store writes behind its last unit
 
+constexpr std::ptrdiff_t three_triples = 9; // behind which a fourth unit still begins before the limit
+
 inline char *store_unit(const qp_unit &unit, char *to) {
     std::memcpy(to, &unit, sizeof unit);
     return to + unit.length;
@@ -69,7 +71,7 @@ inline char *store_unit(const qp_unit &unit, char *to) {
 template <const qp_mode &mode>
 char *store_units(input &from, char *to, const char *limit) {
     const unsigned char *at = from.at;
-    for (; from.end - at >= 4 && limit - to > 3 * 3; at += 4) {
+    for (; from.end - at >= 4 && limit - to > three_triples; at += 4) {
         const qp_unit &first = mode.units[at[0]], &second = mode.units[at[1]];
         const qp_unit &third = mode.units[at[2]], &fourth = mode.units[at[3]];
         if (!first.length || !second.length || !third.length || !fourth.length)
