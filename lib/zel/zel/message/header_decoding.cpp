@@ -24,7 +24,7 @@ namespace {
 
 constexpr std::size_t longest_charset = 32;
 constexpr std::size_t longest_language = 10;
-constexpr std::size_t stack_scratch = 1024;
+constexpr std::size_t stack_scratch = 1023 + decoding_slack;
 
 bool is_blank(char character) {
     return character == ' ' || character == '\t';
@@ -170,11 +170,10 @@ word_road choose_road(const header_pass &pass, const encoded_word &word) {
     return {direct ? road::direct : road::by_pair, pair, direct};
 }
 
-// Up to the first zero byte.
 std::string_view decode(const header_pass &pass, const encoded_word &word) {
     const std::size_t length =
         is_one_of(word.encoding, "Bb") ? decode_b(word.raw, pass.decoded) : decode_q(word.raw, pass.decoded);
-    return {pass.decoded, strnlen(pass.decoded, length)};
+    return {pass.decoded, length};
 }
 
 input bytes_of(std::string_view text) {
@@ -297,7 +296,7 @@ int32_t ZEL_InternetMessageHeaderToLocalLen(const char *language, char *text, in
         unfold(text);
     const std::string_view value = text;
     const std::size_t longest_raw = from_len < 0 ? value.size() : static_cast<std::size_t>(from_len);
-    const std::size_t scratch_size = std::min(longest_raw, value.size()) + 1;
+    const std::size_t scratch_size = std::min(longest_raw, value.size()) + decoding_slack;
     char on_stack[stack_scratch];
     const heap_string on_heap = scratch_size > stack_scratch ? allocate<char>(scratch_size) : nullptr;
     const header_pass pass = {checkLanguage(language),
