@@ -1,8 +1,8 @@
 #include "zel/base/transfer_encoding.h"
 
 #include "zel.h"
+#include "zel/base/byte_block.h"
 #include "zel/base/input.h"
-#include "zel/base/lanes.h"
 
 #include <array>
 #include <bit>
@@ -220,18 +220,14 @@ static_assert(hex_values['9'] == 9 && hex_values['f'] == 15 && hex_values['F'] =
 
 static_assert(decoding_slack >= lane_step);
 
-constexpr std::size_t q_block = 64; // characters, a bit for each
 constexpr std::size_t two_digits = 2;
-constexpr std::uint64_t triple_bits = 7;
+constexpr bit_per_byte triple_bits = 7;
 
 // What is in it behind the block may be loaded, but plays no part.
-using padded_block = std::array<char, q_block + decoding_slack>;
+using padded_block = std::array<char, block_size + decoding_slack>;
 
-std::uint64_t escapes_in(const padded_block &block, std::size_t length) {
-    std::uint64_t escapes = 0;
-    for (std::size_t at = 0; at < q_block; at += lane_step)
-        escapes |= std::uint64_t{bits_of(is_byte(load_bytes(&block[at]), '='))} << at;
-    return escapes & ~std::uint64_t{} >> (q_block - length);
+bit_per_byte escapes_in(const padded_block &block, std::size_t length) {
+    return places_of('=', load_block(block.data())) & ~bit_per_byte{} >> (block_size - length);
 }
 
 // Whole steps, the last of which may go on behind the text.
@@ -253,11 +249,11 @@ char hex_byte(const char *digits) {
 // Two characters follow the block, so that each "=" in it has its digits, which are taken with it. A zero
 // byte leaves no more to take.
 char *decode_block(std::string_view &from, char *to) {
-    const std::size_t length = std::min(from.size() - two_digits, q_block);
+    const std::size_t length = std::min(from.size() - two_digits, block_size);
     padded_block block;
     std::memcpy(block.data(), from.data(), length + two_digits);
     std::size_t at = 0;
-    for (std::uint64_t escapes = escapes_in(block, length); escapes != 0;) {
+    for (bit_per_byte escapes = escapes_in(block, length); escapes != 0;) {
         const auto escape = static_cast<std::size_t>(std::countr_zero(escapes));
         to = store_literals(&block[at], escape - at, to);
         *to = hex_byte(&block[escape + 1]);

@@ -8,6 +8,7 @@
 #include "conv.h"
 #include "conv_ja.h"
 #include "zel.h"
+#include "zel/base/byte_block.h"
 #include "zel/base/charset_names.h"
 #include "zel/base/frame.h"
 #include "zel/base/input.h"
@@ -18,6 +19,8 @@
 #include "zel/conversion/string_conversion.h"
 #include "zel/policy/charset_policy.h"
 #include "zel/policy/languages.h"
+
+#include <bit>
 
 namespace zel {
 namespace {
@@ -51,23 +54,46 @@ const char *skip_blanks(const char *at) {
     return at;
 }
 
+// Where a text has a CR, found a block ahead of what is changed.
+struct return_search {
+    std::string_view rest; // from the block on
+    bit_per_byte places;   // of those in the block that were not given yet
+};
+
+bit_per_byte returns_in(std::string_view text) {
+    return places_of('\r', text.size() < block_size ? load_rest(text) : load_block(text.data()));
+}
+
+// Null where there is no other.
+const char *next_return(return_search &search) {
+    while (search.places == 0) {
+        if (search.rest.size() <= block_size)
+            return nullptr;
+        search.rest.remove_prefix(block_size);
+        search.places = returns_in(search.rest);
+    }
+    const char *at = search.rest.data() + std::countr_zero(search.places);
+    search.places &= search.places - 1;
+    return at;
+}
+
 // Takes the folds out, in place, and gives what is left. A fold that an encoded word follows goes whole; any
 // other leaves its blanks.
 std::string_view unfold(char *text) {
+    const std::string_view value = text;
     char *to = text;
     const char *from = text; // what stands from here on is not moved yet
-    for (const char *at = std::strchr(text, '\r'); at; at = std::strchr(at, '\r')) {
-        if (!is_fold(at)) {
-            ++at;
+    return_search search = {value, returns_in(value)};
+    while (const char *at = next_return(search)) {
+        if (!is_fold(at))
             continue;
-        }
         to = move_down(to, from, at);
         from = at + 2;
-        at = skip_blanks(from);
-        if (opens_word(at))
-            from = at;
+        const char *text_behind = skip_blanks(from);
+        if (opens_word(text_behind))
+            from = text_behind;
     }
-    to = move_down(to, from, from + std::strlen(from) + 1);
+    to = move_down(to, from, value.data() + value.size() + 1);
     return {text, static_cast<std::size_t>(to - text) - 1};
 }
 
