@@ -153,7 +153,8 @@ owned_code_table build_code_table(const char *charset) {
     take_bytes(*table, asked);
     take_codes(*table, asked);
     table->keeps_ascii = keeps_ascii(*table, 0x01, 0x7F);
-    return keeps_ascii(*table, ' ', '~') ? std::move(table) : nullptr;
+    const bool keeps_text = keeps_ascii(*table, ' ', '~') && keeps_ascii(*table, '\t', '\r');
+    return keeps_text ? std::move(table) : nullptr;
 }
 
 } // namespace zel

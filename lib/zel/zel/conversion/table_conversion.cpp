@@ -6,56 +6,48 @@
 namespace zel {
 namespace {
 
-bool ended(const byte_pass &pass) {
-    return pass.from == pass.from_end;
-}
-
-verdict put_bytes(byte_pass &pass, const void *bytes, std::size_t length) {
-    if (room(pass) < length)
-        return verdict::full;
-    std::memcpy(pass.to, bytes, length);
-    pass.to += length;
-    return verdict::done;
-}
-
-// Four bytes are stored at once where there is room for them, and as many kept as the character has.
-verdict put_character(byte_pass &pass, const utf8_character &character) {
-    if (character.length == 0)
-        return verdict::undecided;
-    if (room(pass) < sizeof character)
-        return put_bytes(pass, character.bytes.data(), character.length);
+// Four bytes are stored, and as many kept as the character has.
+bool put_character(byte_pass &pass, const utf8_character &character) {
     std::memcpy(pass.to, &character, sizeof character);
     pass.to += character.length;
-    return verdict::done;
+    return character.length != 0;
 }
 
-verdict put_code(byte_pass &pass, charset_code code) {
-    if (code == 0)
-        return verdict::undecided;
+bool put_code(byte_pass &pass, charset_code code) {
     const std::size_t length = code > 0xFF ? 2 : 1;
-    if (room(pass) < length)
-        return verdict::full;
     pass.to[0] = static_cast<unsigned char>(code >> 8);
     pass.to[length - 1] = static_cast<unsigned char>(code);
     pass.to += length;
-    return verdict::done;
+    return code != 0;
 }
 
-verdict convert_character(const code_table &table, byte_pass &pass) {
+void put_bytes(byte_pass &pass, std::string_view bytes) {
+    pass.to += bytes.copy(reinterpret_cast<char *>(pass.to), bytes.size());
+}
+
+std::size_t pair_index(const unsigned char *pair) {
+    return static_cast<std::size_t>(pair[0] & 0x7F) << 8 | pair[1];
+}
+
+bool convert_character(const code_table &table, byte_pass &pass) {
     const unsigned char byte = *pass.from;
-    if (!table.leads[byte]) {
-        ++pass.from;
-        return put_character(pass, table.singles[byte]);
-    }
-    if (left(pass) < 2)
-        return verdict::undecided;
-    const unsigned char trail = pass.from[1];
-    pass.from += 2;
-    return put_character(pass, table.pairs[static_cast<std::size_t>(byte & 0x7F) << 8 | trail]);
+    const bool is_pair = table.leads[byte];
+    const utf8_character &character =
+        is_pair ? table.pairs[pair_index(pass.from)] : table.singles[byte];
+    pass.from += is_pair ? 2 : 1;
+    return put_character(pass, character);
 }
 
-bool is_continuation(unsigned char byte) {
+constexpr bool is_continuation(unsigned char byte) {
     return (byte & 0xC0) == 0x80;
+}
+
+constexpr unsigned code_point_of_two(const unsigned char *from) {
+    return (from[0] & 0x1FU) << 6 | (from[1] & 0x3FU);
+}
+
+constexpr unsigned code_point_of_three(const unsigned char *from) {
+    return (from[0] & 0x0FU) << 12 | (from[1] & 0x3FU) << 6 | (from[2] & 0x3FU);
 }
 
 // Takes a character of the Basic Multilingual Plane; 0 where there is none, or a broken or overlong one.
@@ -65,100 +57,204 @@ unsigned take_code_point(byte_pass &pass) {
         pass.from += 1;
         return from[0];
     }
-    if ((from[0] & 0xF0) == 0xE0) {
-        if (left(pass) < 3 || !is_continuation(from[1]) || !is_continuation(from[2]))
-            return 0;
-        pass.from += 3;
-        const unsigned code_point = (from[0] & 0x0FU) << 12 | (from[1] & 0x3FU) << 6 | (from[2] & 0x3FU);
-        return code_point < 0x800 ? 0 : code_point;
-    }
-    if (from[0] < 0xC2 || from[0] >= 0xE0 || left(pass) < 2 || !is_continuation(from[1]))
+    if (!is_continuation(from[1]))
         return 0;
-    pass.from += 2;
-    return (from[0] & 0x1FU) << 6 | (from[1] & 0x3FU);
-}
-
-bool is_at_printable_or_end(const byte_pass &pass) {
-    return ended(pass) || belongs_to<ascii_run::printable>(*pass.from);
-}
-
-// The three walks below are inlined by force: a cursor whose address is passed on is no register any more.
-
-// Characters of dense text, pair behind pair, as far as the table decides them. No lead byte, no pairs: what
-// begins with another byte is undecided here.
-[[gnu::always_inline]] inline void convert_pairs(const code_table &table, byte_pass &pass) {
-    while (left(pass) >= 2 && pass.from[0] >= first_lead_byte && room(pass) >= sizeof(utf8_character)) {
-        const utf8_character &character =
-            table.pairs[static_cast<std::size_t>(pass.from[0] & 0x7F) << 8 | pass.from[1]];
-        if (character.length == 0)
-            return;
-        std::memcpy(pass.to, &character, sizeof character);
-        pass.to += character.length;
-        pass.from += 2;
-    }
-}
-
-// The way back: three bytes of UTF-8 behind three, as far as they become pairs.
-[[gnu::always_inline]] inline void convert_to_pairs(const code_table &table, byte_pass &pass) {
-    while (left(pass) >= 3 && room(pass) >= 2) {
-        const unsigned lead = pass.from[0], second = pass.from[1], third = pass.from[2];
-        const unsigned code_point = (lead & 0x0F) << 12 | (second & 0x3F) << 6 | (third & 0x3F);
-        const charset_code code = table.codes[code_point];
-        const bool is_whole = (lead & 0xF0) == 0xE0 && (second & 0xC0) == 0x80 && (third & 0xC0) == 0x80;
-        if (!is_whole || code_point < 0x800 || code <= 0xFF)
-            return;
-        pass.to[0] = static_cast<unsigned char>(code >> 8);
-        pass.to[1] = static_cast<unsigned char>(code);
-        pass.to += 2;
+    if ((from[0] & 0xF0) == 0xE0) {
         pass.from += 3;
+        const unsigned code_point = code_point_of_three(from);
+        return is_continuation(from[2]) && code_point >= 0x800 ? code_point : 0;
     }
+    pass.from += 2;
+    return from[0] >= 0xC2 && from[0] < 0xE0 ? code_point_of_two(from) : 0;
 }
 
-// Two bytes of UTF-8 behind two, as far as they become single ones.
-[[gnu::always_inline]] inline void convert_to_singles(const code_table &table, byte_pass &pass) {
-    while (left(pass) >= 2 && room(pass) >= 1) {
-        const unsigned lead = pass.from[0], second = pass.from[1];
-        const charset_code code = table.codes[(lead & 0x1F) << 6 | (second & 0x3F)];
-        const bool is_whole = lead >= 0xC2 && lead < 0xE0 && (second & 0xC0) == 0x80;
-        if (!is_whole || code == 0 || code > 0xFF)
-            return;
-        *pass.to++ = static_cast<unsigned char>(code);
-        pass.from += 2;
-    }
+bool convert_code_point(const code_table &table, byte_pass &pass) {
+    return put_code(pass, table.codes[take_code_point(pass)]);
 }
 
-// Whether another character follows, maybe behind a lone byte of ASCII: the blank between two words.
+// A run of ASCII that stays as it is, if one comes next. The rest of the turn is for what follows; after a
+// whole window there is none.
+enum class run_end { at_character, at_turn };
+
 template <ascii_run Run>
-bool goes_on_after_blank(byte_pass &pass) {
-    if (!ended(pass) && !belongs_to<Run>(*pass.from))
-        return true;
-    if (left(pass) < 2 || belongs_to<Run>(pass.from[1]) || !room(pass))
+run_end copy_run(byte_pass &pass) {
+    if (!belongs_to<Run>(*pass.from))
+        return run_end::at_character;
+    const std::size_t length = copy_window<Run>(pass.from, pass.to);
+    pass.from += length;
+    pass.to += length;
+    if (length < window)
+        return ended(pass) ? run_end::at_turn : run_end::at_character;
+    copy_windows<Run>(pass);
+    return run_end::at_turn;
+}
+
+// The pairs that come next, up to four, by a flag for each byte that can lead one.
+constexpr unsigned most_pairs = 4;
+
+unsigned pairs_ahead(signed_bytes leads) {
+    const unsigned ends = (~bits_of(leads) & 0x55U) | 1U << 2 * most_pairs;
+    return static_cast<unsigned>(std::countr_zero(ends)) / 2;
+}
+
+// All four are looked up, without a branch, and as many kept as there are. Nothing is taken where the table
+// lacks one of them.
+bool convert_pairs(const code_table &table, byte_pass &pass, unsigned pairs) {
+    byte_pass ahead = pass;
+    bool found = true;
+    for (unsigned i = 0; i < most_pairs; ++i) {
+        const utf8_character &character = table.pairs[pair_index(ahead.from + 2 * i)];
+        std::memcpy(ahead.to, &character, sizeof character);
+        ahead.to += i < pairs ? character.length : 0;
+        found &= i >= pairs || character.length != 0;
+    }
+    if (!found) [[unlikely]]
         return false;
-    *pass.to++ = *pass.from++;
+    ahead.from += 2 * pairs;
+    pass = ahead;
     return true;
 }
 
-// Runs of ASCII that stay as they are, and between them characters one by one.
-template <ascii_run Run, class Convert>
-verdict convert_runs(byte_pass &pass, Convert convert) {
-    while (true) {
-        copy_run<Run>(pass);
-        if (ended(pass))
-            return verdict::done;
-        if (belongs_to<Run>(*pass.from))
-            return verdict::full;
-        do {
-            const verdict character = convert();
-            if (character != verdict::done)
-                return character;
-        } while (goes_on_after_blank<Run>(pass));
-    }
+using code_lanes = charset_code __attribute__((vector_size(lane_step)));
+
+void store_high_byte_first(unsigned char *to, code_lanes codes) {
+    if constexpr (is_little_endian)
+        codes = codes << 8 | codes >> 8;
+    std::memcpy(to, &codes, sizeof codes);
 }
 
-template <class Convert>
-verdict convert_any(const code_table &table, byte_pass &pass, Convert convert) {
-    return table.keeps_ascii ? convert_runs<ascii_run::whole>(pass, convert)
-                             : convert_runs<ascii_run::printable>(pass, convert);
+// The whole characters of three bytes that come next, up to five. Not those of lead byte E0, whose overlong
+// forms would need another look; none of them becomes a pair anywhere.
+constexpr unsigned most_triples = 5;
+
+unsigned triples_ahead(const unsigned char *from) {
+    const signed_bytes bytes = load_bytes(from);
+    const unsigned leads = bits_of(is_between(bytes, 0xE1, 0xEF));
+    const unsigned tails = bits_of(is_between(bytes, 0x80, 0xBF));
+    const unsigned whole = leads & tails >> 1 & tails >> 2;
+    const unsigned ends = (~whole & 0b001'001'001'001'001U) | 1U << 3 * most_triples;
+    return static_cast<unsigned>(std::countr_zero(ends)) / 3;
+}
+
+// The same as for pairs, the other way. Gives how many it took: those in front of one that becomes no pair.
+unsigned convert_triples(const code_table &table, byte_pass &pass, unsigned triples) {
+    const auto code = [&](unsigned i) { return table.codes[code_point_of_three(pass.from + 3 * i)]; };
+    const code_lanes codes = {code(0), code(1), code(2), code(3), code(4)};
+    store_high_byte_first(pass.to, codes);
+    const unsigned singles = bits_of(reinterpret_cast<signed_bytes>(codes <= 0xFF)) &
+                             ((1U << 2 * triples) - 1);
+    if (singles) [[unlikely]]
+        triples = static_cast<unsigned>(std::countr_zero(singles)) / 2;
+    pass.from += 3 * triples;
+    pass.to += 2 * triples;
+    return triples;
+}
+
+template <ascii_run Run>
+verdict convert_pairs_to_utf8(const code_table &table, byte_pass &whole) {
+    return walk(whole, [&](byte_pass &pass) {
+        if (copy_run<Run>(pass) == run_end::at_turn)
+            return true;
+        const unsigned pairs = pairs_ahead(is_high(load_bytes(pass.from)));
+        return convert_pairs(table, pass, pairs) && pairs ? true : convert_character(table, pass);
+    });
+}
+
+template <ascii_run Run>
+verdict convert_utf8_to_pairs(const code_table &table, byte_pass &whole) {
+    return walk(whole, [&](byte_pass &pass) {
+        if (copy_run<Run>(pass) == run_end::at_turn)
+            return true;
+        const unsigned triples = triples_ahead(pass.from);
+        return convert_triples(table, pass, triples) ? true : convert_code_point(table, pass);
+    });
+}
+
+// Text without pairs, where runs of ASCII are short: byte by byte without a branch.
+verdict convert_singles_to_utf8(const code_table &table, byte_pass &whole) {
+    return walk(whole, [&](byte_pass &pass) {
+        if (!any(is_high(load_bytes(pass.from))))
+            return copy_run<ascii_run::whole>(pass), true;
+        const std::size_t bytes = std::min(left(pass), lane_step);
+        bool found = true;
+        for (std::size_t i = 0; i < bytes; ++i)
+            found &= put_character(pass, table.singles[pass.from[i]]);
+        pass.from += bytes;
+        return found;
+    });
+}
+
+// What the bytes of a window are in UTF-8, a bit for each.
+struct utf8_window {
+    std::uint64_t high, leads_of_two, leads_of_three, tails;
+};
+
+utf8_window look_at_window(const unsigned char *from) {
+    const auto all_between = [=](unsigned char first, unsigned char last) {
+        return bits_of_window(from, [=](signed_bytes bytes) { return is_between(bytes, first, last); });
+    };
+    return {bits_of_window(from, is_high), all_between(0xC2, 0xDF), all_between(0xE0, 0xEF),
+            all_between(0x80, 0xBF)};
+}
+
+std::uint64_t leads(const utf8_window &seen) {
+    return seen.leads_of_two | seen.leads_of_three;
+}
+
+// How many bytes of the window are whole characters.
+std::size_t whole_bytes(const utf8_window &seen, std::size_t bytes) {
+    if (bytes < window)
+        return bytes;
+    const bool cut_last = leads(seen) >> (window - 1);
+    const bool cut_two = seen.leads_of_three >> (window - 2) & 1;
+    return cut_last ? window - 1 : cut_two ? window - 2 : window;
+}
+
+// Whether each lead has its tails, each tail its lead, and no byte is neither. What follows the text is no
+// tail of its last character.
+bool is_well_formed(const utf8_window &seen, std::size_t bytes) {
+    const std::uint64_t expected = leads(seen) << 1 | seen.leads_of_three << 2;
+    const std::uint64_t others = seen.high ^ (leads(seen) | seen.tails);
+    return expected == seen.tails && (others & ~std::uint64_t{0} >> (window - bytes)) == 0;
+}
+
+void copy_short_run(const unsigned char *from, byte_pass &pass, std::size_t length) {
+    for (std::size_t at = 0; at < length || at == 0; at += lane_step)
+        std::memcpy(pass.to + at, from + at, lane_step);
+    pass.to += length;
+}
+
+// Each character of a window becomes a byte: the high ones one by one, by their leads, and the runs between
+// them.
+bool convert_window_to_singles(const code_table &table, byte_pass &pass) {
+    const utf8_window seen = look_at_window(pass.from);
+    const std::size_t bytes = whole_bytes(seen, std::min(left(pass), window));
+    if (!is_well_formed(seen, bytes))
+        return false;
+    std::size_t at = 0;
+    bool found = true;
+    for (std::uint64_t rest = leads(seen) & ~std::uint64_t{0} >> (window - bytes); rest; rest &= rest - 1) {
+        const auto lead = static_cast<std::size_t>(std::countr_zero(rest));
+        copy_short_run(pass.from + at, pass, lead - at);
+        const bool is_three = seen.leads_of_three >> lead & 1;
+        const unsigned code_point =
+            is_three ? code_point_of_three(pass.from + lead) : code_point_of_two(pass.from + lead);
+        const charset_code code = table.codes[code_point];
+        found &= code != 0 && (!is_three || code_point >= 0x800);
+        *pass.to++ = static_cast<unsigned char>(code);
+        at = lead + (is_three ? 3 : 2);
+    }
+    copy_short_run(pass.from + at, pass, bytes - at);
+    pass.from += bytes;
+    return found;
+}
+
+verdict convert_utf8_to_singles(const code_table &table, byte_pass &whole) {
+    return walk(whole, [&](byte_pass &pass) {
+        if (!any(is_high(load_bytes(pass.from))))
+            return copy_run<ascii_run::whole>(pass), true;
+        return convert_window_to_singles(table, pass);
+    });
 }
 
 constexpr unsigned char escape = 0x1B;
@@ -166,133 +262,87 @@ constexpr std::string_view enter_kanji = "\x1B$B";
 constexpr std::string_view leave_kanji = "\x1B(B";
 
 bool take_escape(byte_pass &pass, std::string_view sequence) {
-    if (left(pass) < sequence.size() || std::memcmp(pass.from, sequence.data(), sequence.size()) != 0)
-        return false;
-    pass.from += sequence.size();
-    return true;
-}
-
-bool stands_at_escape(const byte_pass &pass) {
-    return !ended(pass) && *pass.from == escape;
-}
-
-// Other sets, a run without characters or without its end, and two escape sequences side by side: ICU has
-// rules for them.
-verdict convert_kanji_run(const code_table &table, byte_pass &pass) {
-    if (!take_escape(pass, enter_kanji) || stands_at_escape(pass))
-        return verdict::undecided;
-    while (!ended(pass) && !stands_at_escape(pass)) {
-        if (!table.leads[*pass.from])
-            return verdict::undecided;
-        if (const verdict kanji = convert_character(table, pass); kanji != verdict::done)
-            return kanji;
-    }
-    return take_escape(pass, leave_kanji) && !stands_at_escape(pass) ? verdict::done : verdict::undecided;
-}
-
-verdict switch_set(bool to_kanji, bool &in_kanji, byte_pass &pass) {
-    if (to_kanji == in_kanji)
-        return verdict::done;
-    in_kanji = to_kanji;
-    const std::string_view sequence = to_kanji ? enter_kanji : leave_kanji;
-    return put_bytes(pass, sequence.data(), sequence.size());
-}
-
-verdict convert_run_to_jis(const code_table &table, byte_pass &pass) {
-    bool in_kanji = false;
-    while (!ended(pass) && !belongs_to<ascii_run::printable>(*pass.from)) {
-        const charset_code code = table.codes[take_code_point(pass)];
-        if (code == 0)
-            return verdict::undecided;
-        if (switch_set(code > 0xFF, in_kanji, pass) == verdict::full || put_code(pass, code) == verdict::full)
-            return verdict::full;
-    }
-    return switch_set(false, in_kanji, pass);
-}
-
-// A charset without pairs, in text where most steps of ASCII would stop short: byte by byte without a branch,
-// as many bytes a turn as a step of ASCII has.
-verdict convert_singles(const code_table &table, byte_pass &pass) {
-    while (left(pass) >= lane_step && room(pass) >= lane_step * sizeof(utf8_character)) {
-        if (!any(is_high(load_bytes(pass.from)))) {
-            copy_run<ascii_run::whole>(pass);
-            continue;
-        }
-        unsigned shortest = 1;
-        for (std::size_t i = 0; i < lane_step; ++i) {
-            const utf8_character &character = table.singles[pass.from[i]];
-            std::memcpy(pass.to, &character, sizeof character);
-            pass.to += character.length;
-            shortest = std::min<unsigned>(shortest, character.length);
-        }
-        if (shortest == 0)
-            return verdict::undecided;
-        pass.from += lane_step;
-    }
-    return convert_runs<ascii_run::whole>(pass, [&] { return convert_character(table, pass); });
-}
-
-// The walks work on cursors of their own: those of the caller might be what a byte is stored into, for all
-// that the compiler knows.
-template <class Walk>
-verdict on_copy(byte_pass &pass, Walk walk) {
-    byte_pass own = pass;
-    const verdict answer = walk(own);
-    pass = own;
-    return answer;
+    const bool is_there = std::memcmp(pass.from, sequence.data(), sequence.size()) == 0;
+    pass.from += is_there ? sequence.size() : 0;
+    return is_there;
 }
 
 } // namespace
 
-verdict convert_to_utf8(const code_table &table, byte_pass &whole) {
-    return on_copy(whole, [&](byte_pass &pass) {
-        if (table.single_byte && table.keeps_ascii)
-            return convert_singles(table, pass);
-        return convert_any(table, pass, [&] {
-            convert_pairs(table, pass);
-            return is_at_printable_or_end(pass) ? verdict::done : convert_character(table, pass);
-        });
-    });
+verdict convert_to_utf8(const code_table &table, byte_pass &pass) {
+    if (!table.keeps_ascii)
+        return convert_pairs_to_utf8<ascii_run::text>(table, pass);
+    return table.single_byte ? convert_singles_to_utf8(table, pass)
+                             : convert_pairs_to_utf8<ascii_run::whole>(table, pass);
 }
 
-verdict convert_from_utf8(const code_table &table, byte_pass &whole) {
-    return on_copy(whole, [&](byte_pass &pass) {
-        const auto convert_next = [&] {
-            return is_at_printable_or_end(pass) ? verdict::done
-                                                : put_code(pass, table.codes[take_code_point(pass)]);
-        };
-        if (table.single_byte)
-            return convert_any(table, pass, [&] { return convert_to_singles(table, pass), convert_next(); });
-        return convert_any(table, pass, [&] { return convert_to_pairs(table, pass), convert_next(); });
-    });
+verdict convert_from_utf8(const code_table &table, byte_pass &pass) {
+    if (!table.keeps_ascii)
+        return convert_utf8_to_pairs<ascii_run::text>(table, pass);
+    return table.single_byte ? convert_utf8_to_singles(table, pass)
+                             : convert_utf8_to_pairs<ascii_run::whole>(table, pass);
 }
 
+// Other sets, a run of kanji without characters or without its end, and two escape sequences side by side:
+// ICU has rules for them.
 verdict convert_jis_to_utf8(const code_table &table, byte_pass &whole) {
-    return on_copy(whole, [&](byte_pass &pass) {
-        return convert_runs<ascii_run::printable>(pass, [&] {
-            return stands_at_escape(pass) ? convert_kanji_run(table, pass)
-                                          : put_character(pass, table.singles[*pass.from++]);
-        });
+    bool in_kanji = false;
+    const verdict answer = walk(whole, [&](byte_pass &pass) {
+        if (!in_kanji) {
+            if (copy_run<ascii_run::text>(pass) == run_end::at_turn)
+                return true;
+            if (*pass.from != escape)
+                return put_character(pass, table.singles[*pass.from++]);
+            if (!take_escape(pass, enter_kanji) || *pass.from == escape)
+                return false;
+            in_kanji = true;
+        }
+        const unsigned pairs = pairs_ahead(is_between(load_bytes(pass.from), 0x21, 0x7E));
+        if (!convert_pairs(table, pass, pairs))
+            return false;
+        if (*pass.from == escape) {
+            in_kanji = false;
+            return take_escape(pass, leave_kanji) && *pass.from != escape;
+        }
+        return pairs != 0;
     });
+    return in_kanji && answer == verdict::done ? verdict::undecided : answer;
 }
 
 verdict convert_utf8_to_jis(const code_table &table, byte_pass &whole) {
-    return on_copy(whole, [&](byte_pass &pass) {
-        return convert_runs<ascii_run::printable>(pass, [&] { return convert_run_to_jis(table, pass); });
+    bool in_kanji = false;
+    const auto enter = [&](byte_pass &pass, bool kanji) {
+        if (kanji != in_kanji)
+            put_bytes(pass, kanji ? enter_kanji : leave_kanji);
+        in_kanji = kanji;
+    };
+    return walk(whole, [&](byte_pass &pass) {
+        if (!in_kanji && copy_run<ascii_run::text>(pass) == run_end::at_turn)
+            return true;
+        bool found;
+        if (const unsigned triples = triples_ahead(pass.from)) {
+            enter(pass, true);
+            found = convert_triples(table, pass, triples) != 0;
+        } else {
+            const charset_code code = table.codes[take_code_point(pass)];
+            enter(pass, code > 0xFF);
+            found = put_code(pass, code);
+        }
+        if (ended(pass) || belongs_to<ascii_run::text>(*pass.from))
+            enter(pass, false);
+        return found;
     });
 }
 
-verdict copy_ascii(const ascii_identity &kept, byte_pass &pass) {
-    if (kept.all()) {
-        copy_run<ascii_run::whole>(pass);
-        return ended(pass) ? verdict::done : *pass.from < 0x80 ? verdict::full : verdict::undecided;
-    }
-    return convert_runs<ascii_run::printable>(pass, [&] {
-        const unsigned char byte = *pass.from;
-        if (byte >= kept.size() || !kept[byte])
-            return verdict::undecided;
-        ++pass.from;
-        return put_bytes(pass, &byte, 1);
+verdict copy_ascii(const ascii_identity &kept, byte_pass &whole) {
+    if (kept.all())
+        return walk(whole, [](byte_pass &pass) { return copy_run<ascii_run::whole>(pass) == run_end::at_turn; });
+    return walk(whole, [&](byte_pass &pass) {
+        if (copy_run<ascii_run::text>(pass) == run_end::at_turn)
+            return true;
+        const unsigned char byte = *pass.from++;
+        *pass.to++ = byte;
+        return byte < kept.size() && kept[byte];
     });
 }
 
