@@ -53,11 +53,13 @@ std::uint64_t bits_of_window(const unsigned char *from, Flag flag) {
     return bits;
 }
 
-// Copies a window and gives how long a run it begins with.
+// Copies a window and gives a flag for each byte that is no part of a run.
 template <ascii_run Run>
-std::size_t copy_window(const unsigned char *from, unsigned char *to) {
-    std::memcpy(to, from, window);
-    return static_cast<std::size_t>(std::countr_zero(bits_of_window(from, others_among<Run>)));
+std::uint64_t copy_window(const unsigned char *from, unsigned char *to) {
+    unsigned char copy[window];
+    std::memcpy(copy, from, window);
+    std::memcpy(to, copy, window);
+    return bits_of_window(copy, others_among<Run>);
 }
 
 // Copies windows as long as they hold nothing else.

@@ -32,8 +32,7 @@ std::size_t pair_index(const unsigned char *pair) {
 bool convert_character(const code_table &table, byte_pass &pass) {
     const unsigned char byte = *pass.from;
     const bool is_pair = table.leads[byte];
-    const utf8_character &character =
-        is_pair ? table.pairs[pair_index(pass.from)] : table.singles[byte];
+    const utf8_character &character = is_pair ? table.pairs[pair_index(pass.from)] : table.singles[byte];
     pass.from += is_pair ? 2 : 1;
     return put_character(pass, character);
 }
@@ -72,47 +71,70 @@ bool convert_code_point(const code_table &table, byte_pass &pass) {
     return put_code(pass, table.codes[take_code_point(pass)]);
 }
 
-// A run of ASCII that stays as it is, if one comes next. The rest of the turn is for what follows; after a
-// whole window there is none.
-enum class run_end { at_character, at_turn };
-
+// Copies the run of ASCII that a window begins with. Gives a flag for each byte behind it, set where ASCII
+// ends again; 0 where the window held nothing else, or the text has ended.
 template <ascii_run Run>
-run_end copy_run(byte_pass &pass) {
-    if (!belongs_to<Run>(*pass.from))
-        return run_end::at_character;
-    const std::size_t length = copy_window<Run>(pass.from, pass.to);
+std::uint64_t copy_run(byte_pass &pass) {
+    const std::uint64_t others = copy_window<Run>(pass.from, pass.to);
+    const auto length = static_cast<std::size_t>(std::countr_zero(others));
     pass.from += length;
     pass.to += length;
-    if (length < window)
-        return ended(pass) ? run_end::at_turn : run_end::at_character;
-    copy_windows<Run>(pass);
-    return run_end::at_turn;
+    if (length == window) [[unlikely]]
+        return copy_windows<Run>(pass), 0;
+    return ended(pass) ? 0 : others >> length;
 }
 
-// The pairs that come next, up to four, by a flag for each byte that can lead one.
-constexpr unsigned most_pairs = 4;
-
-unsigned pairs_ahead(signed_bytes leads) {
-    const unsigned ends = (~bits_of(leads) & 0x55U) | 1U << 2 * most_pairs;
-    return static_cast<unsigned>(std::countr_zero(ends)) / 2;
-}
-
-// All four are looked up, without a branch, and as many kept as there are. Nothing is taken where the table
-// lacks one of them.
-bool convert_pairs(const code_table &table, byte_pass &pass, unsigned pairs) {
-    byte_pass ahead = pass;
+// What begins within the next bytes, character by character.
+template <class Convert>
+bool convert_each(byte_pass &pass, std::size_t bytes, Convert convert) {
+    const unsigned char *const end = pass.from + bytes;
     bool found = true;
-    for (unsigned i = 0; i < most_pairs; ++i) {
-        const utf8_character &character = table.pairs[pair_index(ahead.from + 2 * i)];
-        std::memcpy(ahead.to, &character, sizeof character);
-        ahead.to += i < pairs ? character.length : 0;
+    while (pass.from < end && found)
+        found = convert();
+    return found;
+}
+
+// Pairs are looked up all, without a branch, and as many kept as there are. Gives the end of what it put;
+// null where the table lacks one.
+template <unsigned Most>
+unsigned char *put_pairs(const code_table &table, const unsigned char *from, unsigned char *to,
+                         std::size_t pairs) {
+    bool found = true;
+    for (unsigned i = 0; i < Most; ++i) {
+        const utf8_character &character = table.pairs[pair_index(from + 2 * i)];
+        std::memcpy(to, &character, sizeof character);
+        to += i < pairs ? character.length : 0;
         found &= i >= pairs || character.length != 0;
     }
-    if (!found) [[unlikely]]
-        return false;
-    ahead.from += 2 * pairs;
-    pass = ahead;
+    return found ? to : nullptr;
+}
+
+// By eight while text is dense; words of mixed text are mostly shorter than five.
+bool convert_pairs(const code_table &table, byte_pass &pass, std::size_t pairs) {
+    const unsigned char *from = pass.from;
+    unsigned char *to = pass.to;
+    for (std::size_t rest = pairs; rest > 0;) {
+        const std::size_t step = rest < 8 ? std::min<std::size_t>(rest, 4) : 8;
+        unsigned char *next =
+            rest < 8 ? put_pairs<4>(table, from, to, step) : put_pairs<8>(table, from, to, 8);
+        if (!next) [[unlikely]] {
+            pass.from = from;
+            pass.to = to;
+            return convert_each(pass, 2 * step, [&] { return convert_character(table, pass); });
+        }
+        to = next;
+        from += 2 * step;
+        rest -= step;
+    }
+    pass.from += 2 * pairs;
+    pass.to = to;
     return true;
+}
+
+// The pairs that come next, by a flag for each byte that can lead one.
+std::size_t pairs_ahead(const byte_pass &pass, std::uint64_t leads) {
+    const auto bytes = static_cast<std::size_t>(std::countr_zero(~leads & 0x5555'5555'5555'5555));
+    return std::min(bytes, left(pass)) / 2;
 }
 
 using code_lanes = charset_code __attribute__((vector_size(lane_step)));
@@ -123,50 +145,64 @@ void store_high_byte_first(unsigned char *to, code_lanes codes) {
     std::memcpy(to, &codes, sizeof codes);
 }
 
-// The whole characters of three bytes that come next, up to five. Not those of lead byte E0, whose overlong
-// forms would need another look; none of them becomes a pair anywhere.
-constexpr unsigned most_triples = 5;
+// Characters of three bytes, up to five, to pairs, the same way. Lead byte E0 is none of theirs: its overlong
+// forms would need another look, and no character of its own becomes a pair anywhere.
+constexpr std::size_t most_triples = 5;
 
-unsigned triples_ahead(const unsigned char *from) {
-    const signed_bytes bytes = load_bytes(from);
-    const unsigned leads = bits_of(is_between(bytes, 0xE1, 0xEF));
-    const unsigned tails = bits_of(is_between(bytes, 0x80, 0xBF));
-    const unsigned whole = leads & tails >> 1 & tails >> 2;
-    const unsigned ends = (~whole & 0b001'001'001'001'001U) | 1U << 3 * most_triples;
-    return static_cast<unsigned>(std::countr_zero(ends)) / 3;
+bool put_triples(const code_table &table, const unsigned char *from, unsigned char *to, std::size_t count) {
+    const auto code = [&](std::size_t i) { return table.codes[code_point_of_three(from + 3 * i)]; };
+    const code_lanes codes = {code(0), code(1), code(2), code(3), code(4)};
+    store_high_byte_first(to, codes);
+    const signed_bytes is_whole = is_between(load_bytes(from), 0xE1, 0xEF) & is_tail(load_bytes(from + 1)) &
+                                  is_tail(load_bytes(from + 2));
+    const unsigned broken = ~bits_of(is_whole) & 0b001'001'001'001'001U & ((1U << 3 * count) - 1);
+    const unsigned singles = bits_of(reinterpret_cast<signed_bytes>(codes <= 0xFF)) & ((1U << 2 * count) - 1);
+    return (broken | singles) == 0;
 }
 
-// The same as for pairs, the other way. Gives how many it took: those in front of one that becomes no pair.
-unsigned convert_triples(const code_table &table, byte_pass &pass, unsigned triples) {
-    const auto code = [&](unsigned i) { return table.codes[code_point_of_three(pass.from + 3 * i)]; };
-    const code_lanes codes = {code(0), code(1), code(2), code(3), code(4)};
-    store_high_byte_first(pass.to, codes);
-    const unsigned singles = bits_of(reinterpret_cast<signed_bytes>(codes <= 0xFF)) &
-                             ((1U << 2 * triples) - 1);
-    if (singles) [[unlikely]]
-        triples = static_cast<unsigned>(std::countr_zero(singles)) / 2;
+// The bytes outside ASCII that come next, as many of them as make full steps of triples.
+std::size_t run_ahead(const byte_pass &pass, std::uint64_t others) {
+    constexpr std::size_t most = window - window % (3 * most_triples);
+    return std::min({static_cast<std::size_t>(std::countr_zero(~others)), left(pass), most});
+}
+
+// A step that meets anything else goes character by character.
+template <class Convert>
+bool convert_triples(const code_table &table, byte_pass &pass, std::size_t triples, Convert convert) {
+    for (std::size_t done = 0; done < triples; done += most_triples) {
+        const std::size_t step = std::min(triples - done, most_triples);
+        if (!put_triples(table, pass.from + 3 * done, pass.to + 2 * done, step)) [[unlikely]] {
+            pass.from += 3 * done;
+            pass.to += 2 * done;
+            return convert_each(pass, 3 * step, convert);
+        }
+    }
     pass.from += 3 * triples;
     pass.to += 2 * triples;
-    return triples;
+    return true;
 }
 
 template <ascii_run Run>
 verdict convert_pairs_to_utf8(const code_table &table, byte_pass &whole) {
     return walk(whole, [&](byte_pass &pass) {
-        if (copy_run<Run>(pass) == run_end::at_turn)
+        const std::uint64_t others = copy_run<Run>(pass);
+        if (!others)
             return true;
-        const unsigned pairs = pairs_ahead(is_high(load_bytes(pass.from)));
-        return convert_pairs(table, pass, pairs) && pairs ? true : convert_character(table, pass);
+        const std::size_t pairs = pairs_ahead(pass, others);
+        return pairs ? convert_pairs(table, pass, pairs) : convert_character(table, pass);
     });
 }
 
 template <ascii_run Run>
 verdict convert_utf8_to_pairs(const code_table &table, byte_pass &whole) {
     return walk(whole, [&](byte_pass &pass) {
-        if (copy_run<Run>(pass) == run_end::at_turn)
+        const std::uint64_t others = copy_run<Run>(pass);
+        if (!others)
             return true;
-        const unsigned triples = triples_ahead(pass.from);
-        return convert_triples(table, pass, triples) ? true : convert_code_point(table, pass);
+        const std::size_t run = run_ahead(pass, others);
+        const auto convert_one = [&] { return convert_code_point(table, pass); };
+        return run >= 3 ? convert_triples(table, pass, run / 3, convert_one)
+                        : convert_each(pass, run, convert_one);
     });
 }
 
@@ -194,7 +230,7 @@ utf8_window look_at_window(const unsigned char *from) {
         return bits_of_window(from, [=](signed_bytes bytes) { return is_between(bytes, first, last); });
     };
     return {bits_of_window(from, is_high), all_between(0xC2, 0xDF), all_between(0xE0, 0xEF),
-            all_between(0x80, 0xBF)};
+            bits_of_window(from, is_tail)};
 }
 
 std::uint64_t leads(const utf8_window &seen) {
@@ -289,15 +325,16 @@ verdict convert_jis_to_utf8(const code_table &table, byte_pass &whole) {
     bool in_kanji = false;
     const verdict answer = walk(whole, [&](byte_pass &pass) {
         if (!in_kanji) {
-            if (copy_run<ascii_run::text>(pass) == run_end::at_turn)
+            if (!copy_run<ascii_run::text>(pass))
                 return true;
             if (*pass.from != escape)
                 return put_character(pass, table.singles[*pass.from++]);
-            if (!take_escape(pass, enter_kanji) || *pass.from == escape)
-                return false;
             in_kanji = true;
+            return take_escape(pass, enter_kanji) && *pass.from != escape;
         }
-        const unsigned pairs = pairs_ahead(is_between(load_bytes(pass.from), 0x21, 0x7E));
+        const std::uint64_t leads =
+            bits_of_window(pass.from, [](signed_bytes bytes) { return is_between(bytes, 0x21, 0x7E); });
+        const std::size_t pairs = pairs_ahead(pass, leads);
         if (!convert_pairs(table, pass, pairs))
             return false;
         if (*pass.from == escape) {
@@ -309,6 +346,7 @@ verdict convert_jis_to_utf8(const code_table &table, byte_pass &whole) {
     return in_kanji && answer == verdict::done ? verdict::undecided : answer;
 }
 
+// Between turns the set is that of the last character, so that no run of kanji falls apart.
 verdict convert_utf8_to_jis(const code_table &table, byte_pass &whole) {
     bool in_kanji = false;
     const auto enter = [&](byte_pass &pass, bool kanji) {
@@ -317,17 +355,19 @@ verdict convert_utf8_to_jis(const code_table &table, byte_pass &whole) {
         in_kanji = kanji;
     };
     return walk(whole, [&](byte_pass &pass) {
-        if (!in_kanji && copy_run<ascii_run::text>(pass) == run_end::at_turn)
+        const std::uint64_t others = copy_run<ascii_run::text>(pass);
+        if (!others)
             return true;
-        bool found;
-        if (const unsigned triples = triples_ahead(pass.from)) {
-            enter(pass, true);
-            found = convert_triples(table, pass, triples) != 0;
-        } else {
+        const std::size_t run = run_ahead(pass, others);
+        const auto convert_one = [&] {
             const charset_code code = table.codes[take_code_point(pass)];
             enter(pass, code > 0xFF);
-            found = put_code(pass, code);
-        }
+            return put_code(pass, code);
+        };
+        if (run >= 3)
+            enter(pass, true);
+        const bool found = run >= 3 ? convert_triples(table, pass, run / 3, convert_one)
+                                    : convert_each(pass, run, convert_one);
         if (ended(pass) || belongs_to<ascii_run::text>(*pass.from))
             enter(pass, false);
         return found;
@@ -336,9 +376,9 @@ verdict convert_utf8_to_jis(const code_table &table, byte_pass &whole) {
 
 verdict copy_ascii(const ascii_identity &kept, byte_pass &whole) {
     if (kept.all())
-        return walk(whole, [](byte_pass &pass) { return copy_run<ascii_run::whole>(pass) == run_end::at_turn; });
+        return walk(whole, [](byte_pass &pass) { return copy_run<ascii_run::whole>(pass) == 0; });
     return walk(whole, [&](byte_pass &pass) {
-        if (copy_run<ascii_run::text>(pass) == run_end::at_turn)
+        if (!copy_run<ascii_run::text>(pass))
             return true;
         const unsigned char byte = *pass.from++;
         *pass.to++ = byte;

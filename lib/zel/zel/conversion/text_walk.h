@@ -19,7 +19,7 @@ enum class verdict {
 };
 
 constexpr std::size_t turn_text = window + 2 * lane_step;
-constexpr std::size_t turn_room = turn_text;
+constexpr std::size_t turn_room = 2 * window;
 
 // The text behind its end, to a turn: no character, nor part of one, in any charset that has a table.
 constexpr unsigned char no_character = 0xFF;
@@ -31,7 +31,7 @@ inline bool ended(const byte_pass &pass) {
 // The last turns, on copies. Three bytes become one at least in any text worth a table, so that where more
 // of it is left, the room was too small from the start.
 template <class Turn>
-verdict walk_to_end(byte_pass &pass, Turn turn) {
+[[gnu::noinline, gnu::flatten]] verdict walk_to_end(byte_pass &pass, Turn turn) {
     constexpr std::size_t longest = 3 * turn_room;
     if (left(pass) > longest)
         return verdict::undecided;
@@ -51,10 +51,10 @@ verdict walk_to_end(byte_pass &pass, Turn turn) {
     return verdict::done;
 }
 
-// A turn answers whether it could decide. It works on cursors that are no one else's: those of the caller
-// might be what a byte is stored into, for all that the compiler knows.
+// A turn answers whether it could decide. Its cursors are to be registers: so it is inlined whole, and works on
+// a copy of those of the caller, which might be what a byte is stored into for all that the compiler knows.
 template <class Turn>
-verdict walk(byte_pass &whole, Turn turn) {
+[[gnu::flatten]] verdict walk(byte_pass &whole, Turn turn) {
     byte_pass pass = whole;
     while (left(pass) >= turn_text && room(pass) >= turn_room)
         if (!turn(pass))
