@@ -1,6 +1,6 @@
-// Runs of ASCII, a window of four steps at a time. Nearly all text of the field holds long ones, in whatever charset.
-// Where a charset reads some controls in ways of its own (ESC, SO and SI, or DEL), the run is one of plain
-// text alone: printable ASCII and white space.
+// Runs of ASCII, a window of four steps at a time. Nearly all text of the field holds long ones, in whatever
+// charset. Where a charset reads some controls in ways of its own (ESC, SO and SI, or DEL), the run is one of
+// plain text alone: printable ASCII and white space.
 //
 // Invariant: nothing is read behind from_end, nothing is written behind to_end; what a window writes behind
 // the run that it copied is overwritten by what follows or left as slack within the buffer.
@@ -8,6 +8,8 @@
 #pragma once
 
 #include "zel/base/lanes.h"
+
+#include <array>
 
 namespace zel {
 
@@ -28,10 +30,17 @@ inline std::size_t room(const byte_pass &pass) {
 
 enum class ascii_run { whole, text };
 
+constexpr bool is_control(unsigned char byte) {
+    return (byte >= 0x0E && byte < 0x20) || byte == 0x7F;
+}
+
+inline signed_bytes are_controls(signed_bytes bytes) {
+    return is_between(bytes, 0x0E, 0x1F) | is_byte(bytes, 0x7F);
+}
+
 template <ascii_run Run>
 constexpr bool belongs_to(unsigned char byte) {
-    return Run == ascii_run::whole ? byte < 0x80
-                                   : (byte >= ' ' && byte < 0x7F) || (byte >= '\t' && byte <= '\r');
+    return byte < 0x80 && (Run == ascii_run::whole || !is_control(byte));
 }
 
 template <ascii_run Run>
@@ -39,37 +48,37 @@ signed_bytes others_among(signed_bytes bytes) {
     if constexpr (Run == ascii_run::whole)
         return is_high(bytes);
     else
-        return ((bytes < ' ') & ~is_between(bytes, '\t', '\r')) | is_byte(bytes, 0x7F); // high is negative
+        return is_high(bytes) | are_controls(bytes);
 }
 
 constexpr std::size_t window = 4 * lane_step;
 
-// A bit for each byte of a window, that of the first byte lowest.
-template <class Flag>
-std::uint64_t bits_of_window(const unsigned char *from, Flag flag) {
-    std::uint64_t bits = 0;
-    for (std::size_t step = 0; step < window; step += lane_step)
-        bits |= std::uint64_t{bits_of(flag(load_bytes(from + step)))} << step;
-    return bits;
+using window_bytes = std::array<signed_bytes, 4>;
+
+inline window_bytes load_window(const unsigned char *from) {
+    window_bytes bytes;
+    std::memcpy(bytes.data(), from, window);
+    return bytes;
 }
 
-// Copies a window and gives a flag for each byte that is no part of a run.
-template <ascii_run Run>
-std::uint64_t copy_window(const unsigned char *from, unsigned char *to) {
-    unsigned char copy[window];
-    std::memcpy(copy, from, window);
-    std::memcpy(to, copy, window);
-    return bits_of_window(copy, others_among<Run>);
+// A bit for each byte of a window, that of the first byte lowest.
+template <class Flag>
+std::uint64_t bits_of(const window_bytes &bytes, Flag flag) {
+    return std::uint64_t{bits_of(flag(bytes[0]))} | std::uint64_t{bits_of(flag(bytes[1]))} << lane_step |
+           std::uint64_t{bits_of(flag(bytes[2]))} << 2 * lane_step |
+           std::uint64_t{bits_of(flag(bytes[3]))} << 3 * lane_step;
+}
+
+template <class Flag>
+bool any_of(const window_bytes &bytes, Flag flag) {
+    return any(flag(bytes[0]) | flag(bytes[1]) | flag(bytes[2]) | flag(bytes[3]));
 }
 
 // Copies windows as long as they hold nothing else.
 template <ascii_run Run>
 void copy_windows(byte_pass &pass) {
     while (left(pass) >= window && room(pass) >= window) {
-        signed_bytes others = {};
-        for (std::size_t step = 0; step < window; step += lane_step)
-            others |= others_among<Run>(load_bytes(pass.from + step));
-        if (any(others))
+        if (any_of(load_window(pass.from), others_among<Run>))
             return;
         std::memcpy(pass.to, pass.from, window);
         pass.from += window;

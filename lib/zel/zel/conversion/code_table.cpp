@@ -77,7 +77,7 @@ charset_code code_of(const probe &to, UChar character) {
     UErrorCode status = U_ZERO_ERROR;
     const std::int32_t length = ucnv_fromUChars(to.cnv.get(), bytes, longest_probe, &character, 1, &status);
     std::string_view code(bytes, U_SUCCESS(status) ? static_cast<std::size_t>(length) : 0);
-    if (code.size() == 1)
+    if (code.size() == 1 && (character < 0x80 || to.before.empty()))
         return static_cast<unsigned char>(code[0]);
     if (code.size() != to.before.size() + 2 + to.behind.size() ||
         code.substr(0, to.before.size()) != to.before)
@@ -153,7 +153,7 @@ owned_code_table build_code_table(const char *charset) {
     take_bytes(*table, asked);
     take_codes(*table, asked);
     table->keeps_ascii = keeps_ascii(*table, 0x01, 0x7F);
-    const bool keeps_text = keeps_ascii(*table, ' ', '~') && keeps_ascii(*table, '\t', '\r');
+    const bool keeps_text = keeps_ascii(*table, 0x01, 0x0D) && keeps_ascii(*table, ' ', '~');
     return keeps_text ? std::move(table) : nullptr;
 }
 

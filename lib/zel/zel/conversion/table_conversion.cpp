@@ -37,6 +37,15 @@ bool convert_character(const code_table &table, byte_pass &pass) {
     return put_character(pass, character);
 }
 
+// What begins within the next bytes, character by character.
+bool convert_characters(const code_table &table, byte_pass &pass, std::size_t bytes) {
+    const unsigned char *const end = pass.from + bytes;
+    bool found = true;
+    while (pass.from < end && found)
+        found = convert_character(table, pass);
+    return found;
+}
+
 constexpr bool is_continuation(unsigned char byte) {
     return (byte & 0xC0) == 0x80;
 }
@@ -71,11 +80,11 @@ bool convert_code_point(const code_table &table, byte_pass &pass) {
     return put_code(pass, table.codes[take_code_point(pass)]);
 }
 
-// Copies the run of ASCII that a window begins with. Gives a flag for each byte behind it, set where ASCII
-// ends again; 0 where the window held nothing else, or the text has ended.
+// Copies the run of ASCII that a window begins with, by a flag for each byte that ends it. Gives the flags
+// from its end on: none where the window is all one run, or the text ends with it.
 template <ascii_run Run>
-std::uint64_t copy_run(byte_pass &pass) {
-    const std::uint64_t others = copy_window<Run>(pass.from, pass.to);
+std::uint64_t copy_run(byte_pass &pass, const window_bytes &seen, std::uint64_t others) {
+    std::memcpy(pass.to, seen.data(), window);
     const auto length = static_cast<std::size_t>(std::countr_zero(others));
     pass.from += length;
     pass.to += length;
@@ -84,14 +93,10 @@ std::uint64_t copy_run(byte_pass &pass) {
     return ended(pass) ? 0 : others >> length;
 }
 
-// What begins within the next bytes, character by character.
-template <class Convert>
-bool convert_each(byte_pass &pass, std::size_t bytes, Convert convert) {
-    const unsigned char *const end = pass.from + bytes;
-    bool found = true;
-    while (pass.from < end && found)
-        found = convert();
-    return found;
+template <ascii_run Run>
+std::uint64_t copy_run(byte_pass &pass) {
+    const window_bytes seen = load_window(pass.from);
+    return copy_run<Run>(pass, seen, bits_of(seen, others_among<Run>));
 }
 
 // Pairs are looked up all, without a branch, and as many kept as there are. Gives the end of what it put;
@@ -120,7 +125,7 @@ bool convert_pairs(const code_table &table, byte_pass &pass, std::size_t pairs) 
         if (!next) [[unlikely]] {
             pass.from = from;
             pass.to = to;
-            return convert_each(pass, 2 * step, [&] { return convert_character(table, pass); });
+            return convert_characters(table, pass, 2 * step);
         }
         to = next;
         from += 2 * step;
@@ -145,36 +150,69 @@ void store_high_byte_first(unsigned char *to, code_lanes codes) {
     std::memcpy(to, &codes, sizeof codes);
 }
 
+// The code points that bytes of UTF-8 would be as leads, seconds and thirds of characters of three bytes.
+void put_code_points(charset_code *to, signed_bytes leads, signed_bytes seconds, signed_bytes thirds) {
+    const auto middle = reinterpret_cast<unsigned_bytes>(seconds);
+    const unsigned_bytes high = reinterpret_cast<unsigned_bytes>(leads) << 4 | (middle >> 2 & 0x0F);
+    const unsigned_bytes low = middle << 6 | (reinterpret_cast<unsigned_bytes>(thirds) & 0x3F);
+    const unsigned_bytes first = is_little_endian ? low : high, second = is_little_endian ? high : low;
+    const unsigned_bytes pairs[] = {
+        __builtin_shufflevector(first, second, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23),
+        __builtin_shufflevector(first, second, 8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15, 31)};
+    std::memcpy(to, pairs, sizeof pairs);
+}
+
 // Characters of three bytes, up to five, to pairs, the same way. Lead byte E0 is none of theirs: its overlong
 // forms would need another look, and no character of its own becomes a pair anywhere.
 constexpr std::size_t most_triples = 5;
 
-bool put_triples(const code_table &table, const unsigned char *from, unsigned char *to, std::size_t count) {
-    const auto code = [&](std::size_t i) { return table.codes[code_point_of_three(from + 3 * i)]; };
-    const code_lanes codes = {code(0), code(1), code(2), code(3), code(4)};
+// What is broken counts as the code point 0, which becomes no pair. Gives how many do, from the first on.
+std::size_t put_triples(const code_table &table, const unsigned char *from, unsigned char *to,
+                        std::size_t count) {
+    const signed_bytes leads = load_bytes(from);
+    const signed_bytes seconds = load_bytes(from + 1);
+    const signed_bytes thirds = load_bytes(from + 2);
+    const signed_bytes whole = is_between(leads, 0xE1, 0xEF) & is_tail(seconds) & is_tail(thirds);
+    std::array<charset_code, lane_step> code_points; // at each position, of which one in three is meant
+    put_code_points(code_points.data(), leads & whole, seconds & whole, thirds & whole);
+    const code_lanes codes = {table.codes[code_points[0]], table.codes[code_points[3]],
+                              table.codes[code_points[6]], table.codes[code_points[9]],
+                              table.codes[code_points[12]]};
     store_high_byte_first(to, codes);
-    const signed_bytes is_whole = is_between(load_bytes(from), 0xE1, 0xEF) & is_tail(load_bytes(from + 1)) &
-                                  is_tail(load_bytes(from + 2));
-    const unsigned broken = ~bits_of(is_whole) & 0b001'001'001'001'001U & ((1U << 3 * count) - 1);
-    const unsigned singles = bits_of(reinterpret_cast<signed_bytes>(codes <= 0xFF)) & ((1U << 2 * count) - 1);
-    return (broken | singles) == 0;
+    const unsigned others = bits_of(reinterpret_cast<signed_bytes>(codes <= 0xFF));
+    return static_cast<std::size_t>(std::countr_zero(others | 1U << 2 * count)) / 2;
 }
 
-// The bytes outside ASCII that come next, as many of them as make full steps of triples.
-std::size_t run_ahead(const byte_pass &pass, std::uint64_t others) {
+// How many bytes outside ASCII come next, as far as full steps of triples reach.
+std::size_t run_ahead(std::uint64_t high) {
     constexpr std::size_t most = window - window % (3 * most_triples);
-    return std::min({static_cast<std::size_t>(std::countr_zero(~others)), left(pass), most});
+    return static_cast<std::size_t>(std::countr_zero(~high | std::uint64_t{1} << most));
 }
 
-// A step that meets anything else goes character by character.
+// The next character, and those behind it until three bytes become a pair again.
+template <class Convert>
+bool convert_others(byte_pass &pass, std::size_t bytes, Convert convert) {
+    const unsigned char *const end = pass.from + bytes;
+    bool is_triple = false;
+    bool found = true;
+    while (pass.from < end && found && !is_triple) {
+        const byte_pass before = pass;
+        found = convert();
+        is_triple = pass.from == before.from + 3 && pass.to == before.to + 2;
+    }
+    return found;
+}
+
+// Up to the first that is no such character, and on behind it.
 template <class Convert>
 bool convert_triples(const code_table &table, byte_pass &pass, std::size_t triples, Convert convert) {
     for (std::size_t done = 0; done < triples; done += most_triples) {
         const std::size_t step = std::min(triples - done, most_triples);
-        if (!put_triples(table, pass.from + 3 * done, pass.to + 2 * done, step)) [[unlikely]] {
-            pass.from += 3 * done;
-            pass.to += 2 * done;
-            return convert_each(pass, 3 * step, convert);
+        const std::size_t put = put_triples(table, pass.from + 3 * done, pass.to + 2 * done, step);
+        if (put < step) [[unlikely]] {
+            pass.from += 3 * (done + put);
+            pass.to += 2 * (done + put);
+            return convert_others(pass, std::min(3 * (triples - done - put), left(pass)), convert);
         }
     }
     pass.from += 3 * triples;
@@ -185,10 +223,13 @@ bool convert_triples(const code_table &table, byte_pass &pass, std::size_t tripl
 template <ascii_run Run>
 verdict convert_pairs_to_utf8(const code_table &table, byte_pass &whole) {
     return walk(whole, [&](byte_pass &pass) {
-        const std::uint64_t others = copy_run<Run>(pass);
-        if (!others)
+        const window_bytes seen = load_window(pass.from);
+        if (Run == ascii_run::text && any_of(seen, are_controls)) [[unlikely]]
+            return convert_characters(table, pass, std::min(left(pass), lane_step));
+        const std::uint64_t high = copy_run<Run>(pass, seen, bits_of(seen, is_high));
+        if (!high)
             return true;
-        const std::size_t pairs = pairs_ahead(pass, others);
+        const std::size_t pairs = pairs_ahead(pass, high);
         return pairs ? convert_pairs(table, pass, pairs) : convert_character(table, pass);
     });
 }
@@ -196,13 +237,17 @@ verdict convert_pairs_to_utf8(const code_table &table, byte_pass &whole) {
 template <ascii_run Run>
 verdict convert_utf8_to_pairs(const code_table &table, byte_pass &whole) {
     return walk(whole, [&](byte_pass &pass) {
-        const std::uint64_t others = copy_run<Run>(pass);
-        if (!others)
-            return true;
-        const std::size_t run = run_ahead(pass, others);
         const auto convert_one = [&] { return convert_code_point(table, pass); };
-        return run >= 3 ? convert_triples(table, pass, run / 3, convert_one)
-                        : convert_each(pass, run, convert_one);
+        const window_bytes seen = load_window(pass.from);
+        if (Run == ascii_run::text && any_of(seen, are_controls)) [[unlikely]]
+            return convert_others(pass, std::min(left(pass), lane_step), convert_one);
+        const std::uint64_t high = copy_run<Run>(pass, seen, bits_of(seen, is_high));
+        if (!high)
+            return true;
+        const std::size_t run = run_ahead(high);
+        if (run < 3) [[unlikely]]
+            return convert_others(pass, std::min(run, left(pass)), convert_one);
+        return convert_triples(table, pass, run / 3, convert_one);
     });
 }
 
@@ -225,12 +270,12 @@ struct utf8_window {
     std::uint64_t high, leads_of_two, leads_of_three, tails;
 };
 
-utf8_window look_at_window(const unsigned char *from) {
-    const auto all_between = [=](unsigned char first, unsigned char last) {
-        return bits_of_window(from, [=](signed_bytes bytes) { return is_between(bytes, first, last); });
+utf8_window look_at(const window_bytes &bytes) {
+    const auto all_between = [&](unsigned char first, unsigned char last) {
+        return bits_of(bytes, [=](signed_bytes step) { return is_between(step, first, last); });
     };
-    return {bits_of_window(from, is_high), all_between(0xC2, 0xDF), all_between(0xE0, 0xEF),
-            bits_of_window(from, is_tail)};
+    return {bits_of(bytes, is_high), all_between(0xC2, 0xDF), all_between(0xE0, 0xEF),
+            bits_of(bytes, is_tail)};
 }
 
 std::uint64_t leads(const utf8_window &seen) {
@@ -254,42 +299,49 @@ bool is_well_formed(const utf8_window &seen, std::size_t bytes) {
     return expected == seen.tails && (others & ~std::uint64_t{0} >> (window - bytes)) == 0;
 }
 
-void copy_short_run(const unsigned char *from, byte_pass &pass, std::size_t length) {
-    for (std::size_t at = 0; at < length || at == 0; at += lane_step)
-        std::memcpy(pass.to + at, from + at, lane_step);
+// What is shorter than a window, in one step where it is as short as most.
+void copy_between(const unsigned char *from, byte_pass &pass, std::size_t length) {
+    std::memcpy(pass.to, from, lane_step);
+    if (length > lane_step) [[unlikely]]
+        std::memcpy(pass.to + lane_step, from + lane_step, window - lane_step);
     pass.to += length;
 }
 
 // Each character of a window becomes a byte: the high ones one by one, by their leads, and the runs between
 // them.
+template <bool HasThrees>
+bool put_singles(const code_table &table, byte_pass &pass, const utf8_window &seen, std::size_t bytes) {
+    std::size_t at = 0;
+    unsigned lowest = 1;
+    for (std::uint64_t rest = leads(seen) & ~std::uint64_t{0} >> (window - bytes); rest; rest &= rest - 1) {
+        const auto lead = static_cast<std::size_t>(std::countr_zero(rest));
+        const bool is_three = HasThrees && (seen.leads_of_three >> lead & 1);
+        const unsigned char *from = pass.from + lead;
+        const unsigned code_point = is_three ? code_point_of_three(from) : code_point_of_two(from);
+        const unsigned code = is_three && code_point < 0x800 ? 0U : table.codes[code_point];
+        copy_between(pass.from + at, pass, lead - at);
+        *pass.to++ = static_cast<unsigned char>(code);
+        lowest = std::min(lowest, code);
+        at = lead + (is_three ? 3 : 2);
+    }
+    copy_between(pass.from + at, pass, bytes - at);
+    pass.from += bytes;
+    return lowest != 0;
+}
+
 bool convert_window_to_singles(const code_table &table, byte_pass &pass) {
-    const utf8_window seen = look_at_window(pass.from);
+    const utf8_window seen = look_at(load_window(pass.from));
     const std::size_t bytes = whole_bytes(seen, std::min(left(pass), window));
     if (!is_well_formed(seen, bytes))
         return false;
-    std::size_t at = 0;
-    bool found = true;
-    for (std::uint64_t rest = leads(seen) & ~std::uint64_t{0} >> (window - bytes); rest; rest &= rest - 1) {
-        const auto lead = static_cast<std::size_t>(std::countr_zero(rest));
-        copy_short_run(pass.from + at, pass, lead - at);
-        const bool is_three = seen.leads_of_three >> lead & 1;
-        const unsigned code_point =
-            is_three ? code_point_of_three(pass.from + lead) : code_point_of_two(pass.from + lead);
-        const charset_code code = table.codes[code_point];
-        found &= code != 0 && (!is_three || code_point >= 0x800);
-        *pass.to++ = static_cast<unsigned char>(code);
-        at = lead + (is_three ? 3 : 2);
-    }
-    copy_short_run(pass.from + at, pass, bytes - at);
-    pass.from += bytes;
-    return found;
+    return seen.leads_of_three ? put_singles<true>(table, pass, seen, bytes)
+                               : put_singles<false>(table, pass, seen, bytes);
 }
 
 verdict convert_utf8_to_singles(const code_table &table, byte_pass &whole) {
     return walk(whole, [&](byte_pass &pass) {
-        if (!any(is_high(load_bytes(pass.from))))
-            return copy_run<ascii_run::whole>(pass), true;
-        return convert_window_to_singles(table, pass);
+        return any(is_high(load_bytes(pass.from))) ? convert_window_to_singles(table, pass)
+                                                   : (copy_run<ascii_run::whole>(pass), true);
     });
 }
 
@@ -333,7 +385,7 @@ verdict convert_jis_to_utf8(const code_table &table, byte_pass &whole) {
             return take_escape(pass, enter_kanji) && *pass.from != escape;
         }
         const std::uint64_t leads =
-            bits_of_window(pass.from, [](signed_bytes bytes) { return is_between(bytes, 0x21, 0x7E); });
+            bits_of(load_window(pass.from), [](signed_bytes bytes) { return is_between(bytes, 0x21, 0x7E); });
         const std::size_t pairs = pairs_ahead(pass, leads);
         if (!convert_pairs(table, pass, pairs))
             return false;
@@ -355,19 +407,23 @@ verdict convert_utf8_to_jis(const code_table &table, byte_pass &whole) {
         in_kanji = kanji;
     };
     return walk(whole, [&](byte_pass &pass) {
-        const std::uint64_t others = copy_run<ascii_run::text>(pass);
-        if (!others)
-            return true;
-        const std::size_t run = run_ahead(pass, others);
         const auto convert_one = [&] {
             const charset_code code = table.codes[take_code_point(pass)];
             enter(pass, code > 0xFF);
             return put_code(pass, code);
         };
-        if (run >= 3)
+        const auto convert_run = [&](std::size_t run) {
+            if (run < 3 || *pass.from < 0xE0)
+                return convert_one();
             enter(pass, true);
-        const bool found = run >= 3 ? convert_triples(table, pass, run / 3, convert_one)
-                                    : convert_each(pass, run, convert_one);
+            return convert_triples(table, pass, run / 3, convert_one);
+        };
+        const window_bytes seen = load_window(pass.from);
+        bool found = true;
+        if (any_of(seen, are_controls)) [[unlikely]]
+            found = convert_one();
+        else if (const std::uint64_t high = copy_run<ascii_run::text>(pass, seen, bits_of(seen, is_high)))
+            found = convert_run(run_ahead(high));
         if (ended(pass) || belongs_to<ascii_run::text>(*pass.from))
             enter(pass, false);
         return found;

@@ -21,7 +21,8 @@ enum class verdict {
 constexpr std::size_t turn_text = window + 2 * lane_step;
 constexpr std::size_t turn_room = 2 * window;
 
-// The text behind its end, to a turn: no character, nor part of one, in any charset that has a table.
+// The text behind its end, to a turn: first a byte that is no character, nor part of one, in any charset that
+// has a table.
 constexpr unsigned char no_character = 0xFF;
 
 inline bool ended(const byte_pass &pass) {
@@ -39,7 +40,8 @@ template <class Turn>
     unsigned char converted[3 * longest + turn_room];
     byte_pass copy = {text, text + left(pass), converted, std::end(converted)};
     std::memcpy(text, pass.from, left(pass));
-    std::memset(text + left(pass), no_character, turn_text);
+    std::memset(text + left(pass), 0, turn_text);
+    text[left(pass)] = no_character;
     while (!ended(copy))
         if (!turn(copy))
             return verdict::undecided;
@@ -51,8 +53,9 @@ template <class Turn>
     return verdict::done;
 }
 
-// A turn answers whether it could decide. Its cursors are to be registers: so it is inlined whole, and works on
-// a copy of those of the caller, which might be what a byte is stored into for all that the compiler knows.
+// A turn answers whether it could decide. Its cursors are to be registers: so it is inlined whole, and works
+// on a copy of those of the caller, which might be what a byte is stored into for all that the compiler
+// knows.
 template <class Turn>
 [[gnu::flatten]] verdict walk(byte_pass &whole, Turn turn) {
     byte_pass pass = whole;
