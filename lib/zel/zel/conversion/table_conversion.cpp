@@ -13,12 +13,15 @@ bool put_character(byte_pass &pass, const utf8_character &character) {
     return character.length != 0;
 }
 
+bool is_pair(charset_code code) {
+    return code[0] != 0;
+}
+
 bool put_code(byte_pass &pass, charset_code code) {
-    const std::size_t length = code > 0xFF ? 2 : 1;
-    pass.to[0] = static_cast<unsigned char>(code >> 8);
-    pass.to[length - 1] = static_cast<unsigned char>(code);
-    pass.to += length;
-    return code != 0;
+    pass.to[0] = code[0];
+    pass.to += is_pair(code);
+    *pass.to++ = code[1];
+    return code[1] != 0;
 }
 
 void put_bytes(byte_pass &pass, std::string_view bytes) {
@@ -31,9 +34,9 @@ std::size_t pair_index(const unsigned char *pair) {
 
 bool convert_character(const code_table &table, byte_pass &pass) {
     const unsigned char byte = *pass.from;
-    const bool is_pair = table.leads[byte];
-    const utf8_character &character = is_pair ? table.pairs[pair_index(pass.from)] : table.singles[byte];
-    pass.from += is_pair ? 2 : 1;
+    const bool leads = table.leads[byte];
+    const utf8_character &character = leads ? table.pairs[pair_index(pass.from)] : table.singles[byte];
+    pass.from += leads ? 2 : 1;
     return put_character(pass, character);
 }
 
@@ -142,16 +145,8 @@ std::size_t pairs_ahead(const byte_pass &pass, std::uint64_t leads) {
     return std::min(bytes, left(pass)) / 2;
 }
 
-using code_lanes = charset_code __attribute__((vector_size(lane_step)));
-
-void store_high_byte_first(unsigned char *to, code_lanes codes) {
-    if constexpr (is_little_endian)
-        codes = codes << 8 | codes >> 8;
-    std::memcpy(to, &codes, sizeof codes);
-}
-
 // The code points that bytes of UTF-8 would be as leads, seconds and thirds of characters of three bytes.
-void put_code_points(charset_code *to, signed_bytes leads, signed_bytes seconds, signed_bytes thirds) {
+void put_code_points(char16_t *to, signed_bytes leads, signed_bytes seconds, signed_bytes thirds) {
     const auto middle = reinterpret_cast<unsigned_bytes>(seconds);
     const unsigned_bytes high = reinterpret_cast<unsigned_bytes>(leads) << 4 | (middle >> 2 & 0x0F);
     const unsigned_bytes low = middle << 6 | (reinterpret_cast<unsigned_bytes>(thirds) & 0x3F);
@@ -166,6 +161,8 @@ void put_code_points(charset_code *to, signed_bytes leads, signed_bytes seconds,
 // forms would need another look, and no character of its own becomes a pair anywhere.
 constexpr std::size_t most_triples = 5;
 
+using code_lanes = std::uint16_t __attribute__((vector_size(lane_step)));
+
 // What is broken counts as the code point 0, which becomes no pair. Gives how many do, from the first on.
 std::size_t put_triples(const code_table &table, const unsigned char *from, unsigned char *to,
                         std::size_t count) {
@@ -173,14 +170,15 @@ std::size_t put_triples(const code_table &table, const unsigned char *from, unsi
     const signed_bytes seconds = load_bytes(from + 1);
     const signed_bytes thirds = load_bytes(from + 2);
     const signed_bytes whole = is_between(leads, 0xE1, 0xEF) & is_tail(seconds) & is_tail(thirds);
-    std::array<charset_code, lane_step> code_points; // at each position, of which one in three is meant
+    std::array<char16_t, lane_step> code_points; // at each position, of which one in three is meant
     put_code_points(code_points.data(), leads & whole, seconds & whole, thirds & whole);
-    const code_lanes codes = {table.codes[code_points[0]], table.codes[code_points[3]],
-                              table.codes[code_points[6]], table.codes[code_points[9]],
-                              table.codes[code_points[12]]};
-    store_high_byte_first(to, codes);
-    const unsigned others = bits_of(reinterpret_cast<signed_bytes>(codes <= 0xFF));
-    return static_cast<std::size_t>(std::countr_zero(others | 1U << 2 * count)) / 2;
+    const auto code = [&](std::size_t at) {
+        return std::bit_cast<std::uint16_t>(table.codes[code_points[at]]);
+    };
+    const code_lanes codes = {code(0), code(3), code(6), code(9), code(12)};
+    std::memcpy(to, &codes, sizeof codes);
+    const unsigned singles = bits_of(is_byte(reinterpret_cast<signed_bytes>(codes), 0)) & 0b01'01'01'01'01U;
+    return static_cast<std::size_t>(std::countr_zero(singles | 1U << 2 * count)) / 2;
 }
 
 // How many bytes outside ASCII come next, as far as full steps of triples reach.
@@ -312,15 +310,15 @@ void copy_between(const unsigned char *from, byte_pass &pass, std::size_t length
 template <bool HasThrees>
 bool put_singles(const code_table &table, byte_pass &pass, const utf8_window &seen, std::size_t bytes) {
     std::size_t at = 0;
-    unsigned lowest = 1;
+    unsigned char lowest = 1;
     for (std::uint64_t rest = leads(seen) & ~std::uint64_t{0} >> (window - bytes); rest; rest &= rest - 1) {
         const auto lead = static_cast<std::size_t>(std::countr_zero(rest));
         const bool is_three = HasThrees && (seen.leads_of_three >> lead & 1);
         const unsigned char *from = pass.from + lead;
         const unsigned code_point = is_three ? code_point_of_three(from) : code_point_of_two(from);
-        const unsigned code = is_three && code_point < 0x800 ? 0U : table.codes[code_point];
+        const unsigned char code = is_three && code_point < 0x800 ? 0 : table.codes[code_point][1];
         copy_between(pass.from + at, pass, lead - at);
-        *pass.to++ = static_cast<unsigned char>(code);
+        *pass.to++ = code;
         lowest = std::min(lowest, code);
         at = lead + (is_three ? 3 : 2);
     }
@@ -409,7 +407,7 @@ verdict convert_utf8_to_jis(const code_table &table, byte_pass &whole) {
     return walk(whole, [&](byte_pass &pass) {
         const auto convert_one = [&] {
             const charset_code code = table.codes[take_code_point(pass)];
-            enter(pass, code > 0xFF);
+            enter(pass, is_pair(code));
             return put_code(pass, code);
         };
         const auto convert_run = [&](std::size_t run) {
