@@ -297,11 +297,11 @@ bool is_well_formed(const utf8_window &seen, std::size_t bytes) {
     return expected == seen.tails && (others & ~std::uint64_t{0} >> (window - bytes)) == 0;
 }
 
-// What is shorter than a window, in one step where it is as short as most.
+// In one step, as the runs between them are mostly short.
 void copy_between(const unsigned char *from, byte_pass &pass, std::size_t length) {
     std::memcpy(pass.to, from, lane_step);
-    if (length > lane_step) [[unlikely]]
-        std::memcpy(pass.to + lane_step, from + lane_step, window - lane_step);
+    for (std::size_t at = lane_step; at < length; at += lane_step)
+        [[unlikely]] std::memcpy(pass.to + at, from + at, lane_step);
     pass.to += length;
 }
 

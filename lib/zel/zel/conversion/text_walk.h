@@ -18,7 +18,7 @@ enum class verdict {
     undecided, // for ICU, from the start of the text
 };
 
-constexpr std::size_t turn_text = window + 2 * lane_step;
+constexpr std::size_t turn_text = window + lane_step;
 constexpr std::size_t turn_room = 2 * window;
 
 // The text behind its end, to a turn: first a byte that is no character, nor part of one, in any charset that
@@ -29,8 +29,9 @@ inline bool ended(const byte_pass &pass) {
     return pass.from == pass.from_end;
 }
 
-// The last turns, on copies. Three bytes become one at least in any text worth a table, so that where more
-// of it is left, the room was too small from the start.
+// The last turns, on a copy of the text, and where the room is short with a result of their own. Three bytes
+// become one at least in any text worth a table, so that where more of it is left, the room was too small
+// from the start.
 template <class Turn>
 [[gnu::noinline, gnu::flatten]] verdict walk_to_end(byte_pass &pass, Turn turn) {
     constexpr std::size_t longest = 3 * turn_room;
@@ -38,13 +39,23 @@ template <class Turn>
         return verdict::undecided;
     unsigned char text[longest + turn_text];
     unsigned char converted[3 * longest + turn_room];
-    byte_pass copy = {text, text + left(pass), converted, std::end(converted)};
-    std::memcpy(text, pass.from, left(pass));
     std::memset(text + left(pass), 0, turn_text);
+    std::memcpy(text, pass.from, left(pass));
     text[left(pass)] = no_character;
-    while (!ended(copy))
+    byte_pass copy = {text, text + left(pass), pass.to, pass.to_end};
+    while (!ended(copy)) {
+        if (room(copy) < turn_room) {
+            pass.to = copy.to;
+            copy.to = converted;
+            copy.to_end = std::end(converted);
+        }
         if (!turn(copy))
             return verdict::undecided;
+    }
+    if (copy.to_end == pass.to_end) {
+        pass.to = copy.to;
+        return verdict::done;
+    }
     const auto length = static_cast<std::size_t>(copy.to - converted);
     if (room(pass) < length)
         return verdict::full;
