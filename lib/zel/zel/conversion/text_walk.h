@@ -29,9 +29,8 @@ inline bool ended(const byte_pass &pass) {
     return pass.from == pass.from_end;
 }
 
-// The last turns, on a copy of the text, and where the room is short with a result of their own. Three bytes
-// become one at least in any text worth a table, so that where more of it is left, the room was too small
-// from the start.
+// The last turns, on copies. Three bytes become one at least in any text worth a table, so that where more
+// of it is left, the room was too small from the start.
 template <class Turn>
 [[gnu::noinline, gnu::flatten]] verdict walk_to_end(byte_pass &pass, Turn turn) {
     constexpr std::size_t longest = 3 * turn_room;
@@ -39,23 +38,13 @@ template <class Turn>
         return verdict::undecided;
     unsigned char text[longest + turn_text];
     unsigned char converted[3 * longest + turn_room];
-    std::memset(text + left(pass), 0, turn_text);
+    byte_pass copy = {text, text + left(pass), converted, std::end(converted)};
     std::memcpy(text, pass.from, left(pass));
+    std::memset(text + left(pass), 0, turn_text);
     text[left(pass)] = no_character;
-    byte_pass copy = {text, text + left(pass), pass.to, pass.to_end};
-    while (!ended(copy)) {
-        if (room(copy) < turn_room) {
-            pass.to = copy.to;
-            copy.to = converted;
-            copy.to_end = std::end(converted);
-        }
+    while (!ended(copy))
         if (!turn(copy))
             return verdict::undecided;
-    }
-    if (copy.to_end == pass.to_end) {
-        pass.to = copy.to;
-        return verdict::done;
-    }
     const auto length = static_cast<std::size_t>(copy.to - converted);
     if (room(pass) < length)
         return verdict::full;
