@@ -146,7 +146,7 @@ std::size_t pairs_ahead(const byte_pass &pass, std::uint64_t leads) {
 }
 
 // The code points that bytes of UTF-8 would be as leads, seconds and thirds of characters of three bytes.
-void put_code_points(char16_t *to, signed_bytes leads, signed_bytes seconds, signed_bytes thirds) {
+void put_code_points(std::uint16_t *to, signed_bytes leads, signed_bytes seconds, signed_bytes thirds) {
     const auto middle = reinterpret_cast<unsigned_bytes>(seconds);
     const unsigned_bytes high = reinterpret_cast<unsigned_bytes>(leads) << 4 | (middle >> 2 & 0x0F);
     const unsigned_bytes low = middle << 6 | (reinterpret_cast<unsigned_bytes>(thirds) & 0x3F);
@@ -162,6 +162,7 @@ void put_code_points(char16_t *to, signed_bytes leads, signed_bytes seconds, sig
 constexpr std::size_t most_triples = 5;
 
 using code_lanes = std::uint16_t __attribute__((vector_size(lane_step)));
+using eight_bytes = unsigned char __attribute__((vector_size(lane_step / 2)));
 
 // What is broken counts as the code point 0, which becomes no pair. Gives how many do, from the first on.
 std::size_t put_triples(const code_table &table, const unsigned char *from, unsigned char *to,
@@ -170,7 +171,7 @@ std::size_t put_triples(const code_table &table, const unsigned char *from, unsi
     const signed_bytes seconds = load_bytes(from + 1);
     const signed_bytes thirds = load_bytes(from + 2);
     const signed_bytes whole = is_between(leads, 0xE1, 0xEF) & is_tail(seconds) & is_tail(thirds);
-    std::array<char16_t, lane_step> code_points; // at each position, of which one in three is meant
+    std::array<std::uint16_t, lane_step> code_points; // at each position, of which one in three is meant
     put_code_points(code_points.data(), leads & whole, seconds & whole, thirds & whole);
     const auto code = [&](std::size_t at) {
         return std::bit_cast<std::uint16_t>(table.codes[code_points[at]]);
@@ -280,6 +281,13 @@ std::uint64_t leads(const utf8_window &seen) {
     return seen.leads_of_two | seen.leads_of_three;
 }
 
+// Whether four characters of two bytes stand side by side: an alphabet of its own, and not letters strewn
+// through ASCII.
+bool has_words(const utf8_window &seen) {
+    const std::uint64_t twos = seen.leads_of_two & seen.leads_of_two >> 2;
+    return (twos & twos >> 4) != 0;
+}
+
 // How many bytes of the window are whole characters.
 std::size_t whole_bytes(const utf8_window &seen, std::size_t bytes) {
     if (bytes < window)
@@ -327,13 +335,56 @@ bool put_singles(const code_table &table, byte_pass &pass, const utf8_window &se
     return lowest != 0;
 }
 
+// Eight numbers out of as many characters of two bytes.
+code_lanes code_points_of_twos(const unsigned char *from) {
+    code_lanes twos;
+    std::memcpy(&twos, from, sizeof twos);
+    return is_little_endian ? (twos & 0x1F) << 6 | (twos >> 8 & 0x3F)
+                            : (twos >> 8 & 0x1F) << 6 | (twos & 0x3F);
+}
+
+// Eight characters of two bytes are looked up, without a branch. False where one of those that the bytes hold
+// becomes none.
+bool put_twos(const code_table &table, const unsigned char *from, unsigned char *to, std::size_t bytes) {
+    const code_lanes code_points = code_points_of_twos(from);
+    const auto code = [&](std::size_t i) {
+        return std::bit_cast<std::uint16_t>(table.codes[code_points[i]]);
+    };
+    const code_lanes codes = {code(0), code(1), code(2), code(3), code(4), code(5), code(6), code(7)};
+    const auto singles = __builtin_convertvector(is_little_endian ? codes >> 8 : codes, eight_bytes);
+    std::memcpy(to, &singles, sizeof singles);
+    return (bits_of(reinterpret_cast<signed_bytes>(codes == 0)) & ((1U << bytes) - 1)) == 0;
+}
+
+// The same for a window where they stand side by side: word by word.
+bool put_words(const code_table &table, byte_pass &pass, const utf8_window &seen, std::size_t bytes) {
+    const unsigned char *const end = pass.from + bytes;
+    bool found = true;
+    for (std::uint64_t rest = seen.high & ~std::uint64_t{0} >> (window - bytes); rest;) {
+        const auto blank = static_cast<std::size_t>(std::countr_zero(rest));
+        copy_between(pass.from, pass, blank);
+        pass.from += blank;
+        rest >>= blank;
+        const auto word = static_cast<std::size_t>(std::countr_zero(~rest | std::uint64_t{1} << lane_step));
+        rest >>= word;
+        found &= put_twos(table, pass.from, pass.to, word);
+        pass.from += word;
+        pass.to += word / 2;
+    }
+    copy_between(pass.from, pass, static_cast<std::size_t>(end - pass.from));
+    pass.from = end;
+    return found;
+}
+
 bool convert_window_to_singles(const code_table &table, byte_pass &pass) {
     const utf8_window seen = look_at(load_window(pass.from));
     const std::size_t bytes = whole_bytes(seen, std::min(left(pass), window));
     if (!is_well_formed(seen, bytes))
         return false;
-    return seen.leads_of_three ? put_singles<true>(table, pass, seen, bytes)
-                               : put_singles<false>(table, pass, seen, bytes);
+    if (seen.leads_of_three)
+        return put_singles<true>(table, pass, seen, bytes);
+    return has_words(seen) ? put_words(table, pass, seen, bytes)
+                           : put_singles<false>(table, pass, seen, bytes);
 }
 
 verdict convert_utf8_to_singles(const code_table &table, byte_pass &whole) {
