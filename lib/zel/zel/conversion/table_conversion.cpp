@@ -29,7 +29,7 @@ void put_bytes(byte_pass &pass, std::string_view bytes) {
 }
 
 std::size_t pair_index(const unsigned char *pair) {
-    return static_cast<std::size_t>(pair[0] & 0x7F) << 8 | pair[1];
+    return (static_cast<std::size_t>(pair[0]) << 8 | pair[1]) & 0x7FFF;
 }
 
 bool convert_character(const code_table &table, byte_pass &pass) {
@@ -107,35 +107,44 @@ std::uint64_t copy_run(byte_pass &pass) {
 template <unsigned Most>
 unsigned char *put_pairs(const code_table &table, const unsigned char *from, unsigned char *to,
                          std::size_t pairs) {
+    const unsigned kept = (1U << pairs) - 1;
     bool found = true;
     for (unsigned i = 0; i < Most; ++i) {
         const utf8_character &character = table.pairs[pair_index(from + 2 * i)];
+        const unsigned mask = 0U - (kept >> i & 1);
         std::memcpy(to, &character, sizeof character);
-        to += i < pairs ? character.length : 0;
-        found &= i >= pairs || character.length != 0;
+        to += character.length & mask;
+        found &= (character.length | ~mask) != 0;
     }
     return found ? to : nullptr;
 }
 
+// Takes pairs by steps of so many, down to a rest of less than that many. False in front of a step where the
+// table lacks one.
+template <unsigned Most, unsigned Rest>
+bool take_pairs(const code_table &table, byte_pass &at, std::size_t &pairs) {
+    while (pairs >= Rest) {
+        const std::size_t step = Rest == Most ? Most : std::min<std::size_t>(pairs, Most);
+        unsigned char *const to = put_pairs<Most>(table, at.from, at.to, step);
+        if (!to) [[unlikely]]
+            return false;
+        at.from += 2 * step;
+        at.to = to;
+        pairs -= step;
+    }
+    return true;
+}
+
 // By eight while text is dense; words of mixed text are mostly shorter than five.
 bool convert_pairs(const code_table &table, byte_pass &pass, std::size_t pairs) {
-    const unsigned char *from = pass.from;
-    unsigned char *to = pass.to;
-    for (std::size_t rest = pairs; rest > 0;) {
-        const std::size_t step = rest < 8 ? std::min<std::size_t>(rest, 4) : 8;
-        unsigned char *next =
-            rest < 8 ? put_pairs<4>(table, from, to, step) : put_pairs<8>(table, from, to, 8);
-        if (!next) [[unlikely]] {
-            pass.from = from;
-            pass.to = to;
-            return convert_characters(table, pass, 2 * step);
-        }
-        to = next;
-        from += 2 * step;
-        rest -= step;
+    byte_pass at = pass;
+    std::size_t rest = pairs;
+    if (!take_pairs<8, 8>(table, at, rest) || !take_pairs<4, 1>(table, at, rest)) [[unlikely]] {
+        pass = at;
+        return convert_characters(table, pass, 2 * std::min<std::size_t>(rest, 8));
     }
     pass.from += 2 * pairs;
-    pass.to = to;
+    pass.to = at.to;
     return true;
 }
 
