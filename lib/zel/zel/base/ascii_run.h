@@ -56,9 +56,15 @@ constexpr std::size_t window = 4 * lane_step;
 using window_bytes = std::array<signed_bytes, 4>;
 
 inline window_bytes load_window(const unsigned char *from) {
-    window_bytes bytes;
-    std::memcpy(bytes.data(), from, window);
-    return bytes;
+    return {load_bytes(from), load_bytes(from + lane_step), load_bytes(from + 2 * lane_step),
+            load_bytes(from + 3 * lane_step)};
+}
+
+inline void store_window(unsigned char *to, const window_bytes &bytes) {
+    for (const signed_bytes &step : bytes) {
+        std::memcpy(to, &step, lane_step);
+        to += lane_step;
+    }
 }
 
 // A bit for each byte of a window, that of the first byte lowest.
@@ -78,9 +84,10 @@ bool any_of(const window_bytes &bytes, Flag flag) {
 template <ascii_run Run>
 void copy_windows(byte_pass &pass) {
     while (left(pass) >= window && room(pass) >= window) {
-        if (any_of(load_window(pass.from), others_among<Run>))
+        const window_bytes seen = load_window(pass.from);
+        if (any_of(seen, others_among<Run>))
             return;
-        std::memcpy(pass.to, pass.from, window);
+        store_window(pass.to, seen);
         pass.from += window;
         pass.to += window;
     }

@@ -87,7 +87,7 @@ bool convert_code_point(const code_table &table, byte_pass &pass) {
 // from its end on: none where the window is all one run, or the text ends with it.
 template <ascii_run Run>
 std::uint64_t copy_run(byte_pass &pass, const window_bytes &seen, std::uint64_t others) {
-    std::memcpy(pass.to, seen.data(), window);
+    store_window(pass.to, seen);
     const auto length = static_cast<std::size_t>(std::countr_zero(others));
     pass.from += length;
     pass.to += length;
