@@ -20,9 +20,17 @@ struct byte_block {
     signed_bytes steps[block_size / lane_step];
 };
 
-inline byte_block load_block(const char *from) {
-    return {load_bytes(from), load_bytes(from + lane_step), load_bytes(from + 2 * lane_step),
-            load_bytes(from + 3 * lane_step)};
+inline byte_block load_block(const void *from) {
+    const auto *bytes = static_cast<const char *>(from);
+    return {load_bytes(bytes), load_bytes(bytes + lane_step), load_bytes(bytes + 2 * lane_step),
+            load_bytes(bytes + 3 * lane_step)};
+}
+
+inline void store_block(unsigned char *to, const byte_block &block) {
+    for (const signed_bytes &step : block.steps) {
+        std::memcpy(to, &step, lane_step);
+        to += lane_step;
+    }
 }
 
 // The text is less than a block.
@@ -38,6 +46,12 @@ bit_per_byte ask(const byte_block &block, Question question) {
     for (std::size_t step = 0; step < std::size(block.steps); ++step)
         answers |= bit_per_byte{bits_of(question(block.steps[step]))} << step * lane_step;
     return answers;
+}
+
+template <class Question>
+bool has_any(const byte_block &block, Question question) {
+    return any(question(block.steps[0]) | question(block.steps[1]) | question(block.steps[2]) |
+               question(block.steps[3]));
 }
 
 inline bit_per_byte places_of(unsigned char value, const byte_block &block) {

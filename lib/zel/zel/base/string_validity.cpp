@@ -48,10 +48,6 @@ bool has_high_bit(char byte) {
     return (static_cast<unsigned char>(byte) & 0x80) != 0;
 }
 
-bool has_high_byte(const byte_block &block) {
-    return any(is_high(block.steps[0] | block.steps[1] | block.steps[2] | block.steps[3]));
-}
-
 bit_per_byte within(const byte_block &block, const byte_range (&ranges)[2]) {
     return ask(block, [&](signed_bytes bytes) {
         return is_between(bytes, ranges[0].first, ranges[0].last) |
@@ -75,7 +71,7 @@ void replace(char *text, bit_per_byte places) {
 
 // The block holds what the text has from here on. Gives whether its last byte leads a pair.
 bool repair_block(const double_byte_family &family, const byte_block &block, char *text, bool lead_before) {
-    if (!lead_before && !has_high_byte(block))
+    if (!lead_before && !has_any(block, is_high))
         return false;
     const bit_per_byte carried = lead_before ? 1 : 0;
     const bit_per_byte candidates = within(block, family.leads);
@@ -102,7 +98,7 @@ bool is7bit(std::string_view text) {
         return std::none_of(text.begin(), text.end(), has_high_bit);
     const signed_bytes last = load_bytes(text.end() - lane_step);
     for (; text.size() >= block_size; text.remove_prefix(block_size))
-        if (has_high_byte(load_block(text.data())))
+        if (has_any(load_block(text.data()), is_high))
             return false;
     for (; text.size() >= lane_step; text.remove_prefix(lane_step))
         if (any(is_high(load_bytes(text.data()))))

@@ -83,23 +83,23 @@ bool convert_code_point(const code_table &table, byte_pass &pass) {
     return put_code(pass, table.codes[take_code_point(pass)]);
 }
 
-// Copies the run of ASCII that a window begins with, by a flag for each byte that ends it. Gives the flags
-// from its end on: none where the window is all one run, or the text ends with it.
+// Copies the run of ASCII that a block begins with, by a flag for each byte that ends it. Gives the flags
+// from its end on: none where the block is all one run, or the text ends with it.
 template <ascii_run Run>
-std::uint64_t copy_run(byte_pass &pass, const window_bytes &seen, std::uint64_t others) {
-    store_window(pass.to, seen);
+bit_per_byte copy_run(byte_pass &pass, const byte_block &block, bit_per_byte others) {
+    store_block(pass.to, block);
     const auto length = static_cast<std::size_t>(std::countr_zero(others));
     pass.from += length;
     pass.to += length;
-    if (length == window) [[unlikely]]
-        return copy_windows<Run>(pass), 0;
+    if (length == block_size) [[unlikely]]
+        return copy_blocks<Run>(pass), 0;
     return ended(pass) ? 0 : others >> length;
 }
 
 template <ascii_run Run>
-std::uint64_t copy_run(byte_pass &pass) {
-    const window_bytes seen = load_window(pass.from);
-    return copy_run<Run>(pass, seen, bits_of(seen, others_among<Run>));
+bit_per_byte copy_run(byte_pass &pass) {
+    const byte_block block = load_block(pass.from);
+    return copy_run<Run>(pass, block, ask(block, others_among<Run>));
 }
 
 // Pairs are looked up all, without a branch, and as many kept as there are. Gives the end of what it put;
@@ -149,7 +149,7 @@ bool convert_pairs(const code_table &table, byte_pass &pass, std::size_t pairs) 
 }
 
 // The pairs that come next, by a flag for each byte that can lead one.
-std::size_t pairs_ahead(const byte_pass &pass, std::uint64_t leads) {
+std::size_t pairs_ahead(const byte_pass &pass, bit_per_byte leads) {
     const auto bytes = static_cast<std::size_t>(std::countr_zero(~leads & 0x5555'5555'5555'5555));
     return std::min(bytes, left(pass)) / 2;
 }
@@ -192,9 +192,9 @@ std::size_t put_triples(const code_table &table, const unsigned char *from, unsi
 }
 
 // How many bytes outside ASCII come next, as far as full steps of triples reach.
-std::size_t run_ahead(std::uint64_t high) {
-    constexpr std::size_t most = window - window % (3 * most_triples);
-    return static_cast<std::size_t>(std::countr_zero(~high | std::uint64_t{1} << most));
+std::size_t run_ahead(bit_per_byte high) {
+    constexpr std::size_t most = block_size - block_size % (3 * most_triples);
+    return static_cast<std::size_t>(std::countr_zero(~high | bit_per_byte{1} << most));
 }
 
 // The next character, and those behind it until three bytes become a pair again.
@@ -231,10 +231,10 @@ bool convert_triples(const code_table &table, byte_pass &pass, std::size_t tripl
 template <ascii_run Run>
 verdict convert_pairs_to_utf8(const code_table &table, byte_pass &whole) {
     return walk(whole, [&](byte_pass &pass) {
-        const window_bytes seen = load_window(pass.from);
-        if (Run == ascii_run::text && any_of(seen, are_controls)) [[unlikely]]
+        const byte_block block = load_block(pass.from);
+        if (Run == ascii_run::text && has_any(block, are_controls)) [[unlikely]]
             return convert_characters(table, pass, std::min(left(pass), lane_step));
-        const std::uint64_t high = copy_run<Run>(pass, seen, bits_of(seen, is_high));
+        const bit_per_byte high = copy_run<Run>(pass, block, ask(block, is_high));
         if (!high)
             return true;
         const std::size_t pairs = pairs_ahead(pass, high);
@@ -246,10 +246,10 @@ template <ascii_run Run>
 verdict convert_utf8_to_pairs(const code_table &table, byte_pass &whole) {
     return walk(whole, [&](byte_pass &pass) {
         const auto convert_one = [&] { return convert_code_point(table, pass); };
-        const window_bytes seen = load_window(pass.from);
-        if (Run == ascii_run::text && any_of(seen, are_controls)) [[unlikely]]
+        const byte_block block = load_block(pass.from);
+        if (Run == ascii_run::text && has_any(block, are_controls)) [[unlikely]]
             return convert_others(pass, std::min(left(pass), lane_step), convert_one);
-        const std::uint64_t high = copy_run<Run>(pass, seen, bits_of(seen, is_high));
+        const bit_per_byte high = copy_run<Run>(pass, block, ask(block, is_high));
         if (!high)
             return true;
         const std::size_t run = run_ahead(high);
@@ -273,45 +273,44 @@ verdict convert_singles_to_utf8(const code_table &table, byte_pass &whole) {
     });
 }
 
-// What the bytes of a window are in UTF-8, a bit for each.
-struct utf8_window {
-    std::uint64_t high, leads_of_two, leads_of_three, tails;
+// What the bytes of a block are in UTF-8, a bit for each.
+struct utf8_block {
+    bit_per_byte high, leads_of_two, leads_of_three, tails;
 };
 
-utf8_window look_at(const window_bytes &bytes) {
+utf8_block look_at(const byte_block &block) {
     const auto all_between = [&](unsigned char first, unsigned char last) {
-        return bits_of(bytes, [=](signed_bytes step) { return is_between(step, first, last); });
+        return ask(block, [=](signed_bytes bytes) { return is_between(bytes, first, last); });
     };
-    return {bits_of(bytes, is_high), all_between(0xC2, 0xDF), all_between(0xE0, 0xEF),
-            bits_of(bytes, is_tail)};
+    return {ask(block, is_high), all_between(0xC2, 0xDF), all_between(0xE0, 0xEF), ask(block, is_tail)};
 }
 
-std::uint64_t leads(const utf8_window &seen) {
+bit_per_byte leads(const utf8_block &seen) {
     return seen.leads_of_two | seen.leads_of_three;
 }
 
 // Whether four characters of two bytes stand side by side: an alphabet of its own, and not letters strewn
 // through ASCII.
-bool has_words(const utf8_window &seen) {
-    const std::uint64_t twos = seen.leads_of_two & seen.leads_of_two >> 2;
+bool has_words(const utf8_block &seen) {
+    const bit_per_byte twos = seen.leads_of_two & seen.leads_of_two >> 2;
     return (twos & twos >> 4) != 0;
 }
 
-// How many bytes of the window are whole characters.
-std::size_t whole_bytes(const utf8_window &seen, std::size_t bytes) {
-    if (bytes < window)
+// How many bytes of the block are whole characters.
+std::size_t whole_bytes(const utf8_block &seen, std::size_t bytes) {
+    if (bytes < block_size)
         return bytes;
-    const bool cut_last = leads(seen) >> (window - 1);
-    const bool cut_two = seen.leads_of_three >> (window - 2) & 1;
-    return cut_last ? window - 1 : cut_two ? window - 2 : window;
+    const bool cut_last = leads(seen) >> (block_size - 1);
+    const bool cut_two = seen.leads_of_three >> (block_size - 2) & 1;
+    return cut_last ? block_size - 1 : cut_two ? block_size - 2 : block_size;
 }
 
 // Whether each lead has its tails, each tail its lead, and no byte is neither. What follows the text is no
 // tail of its last character.
-bool is_well_formed(const utf8_window &seen, std::size_t bytes) {
-    const std::uint64_t expected = leads(seen) << 1 | seen.leads_of_three << 2;
-    const std::uint64_t others = seen.high ^ (leads(seen) | seen.tails);
-    return expected == seen.tails && (others & ~std::uint64_t{0} >> (window - bytes)) == 0;
+bool is_well_formed(const utf8_block &seen, std::size_t bytes) {
+    const bit_per_byte expected = leads(seen) << 1 | seen.leads_of_three << 2;
+    const bit_per_byte others = seen.high ^ (leads(seen) | seen.tails);
+    return expected == seen.tails && (others & ~bit_per_byte{0} >> (block_size - bytes)) == 0;
 }
 
 // In one step, as the runs between them are mostly short.
@@ -322,13 +321,13 @@ void copy_between(const unsigned char *from, byte_pass &pass, std::size_t length
     pass.to += length;
 }
 
-// Each character of a window becomes a byte: the high ones one by one, by their leads, and the runs between
+// Each character of a block becomes a byte: the high ones one by one, by their leads, and the runs between
 // them.
 template <bool HasThrees>
-bool put_singles(const code_table &table, byte_pass &pass, const utf8_window &seen, std::size_t bytes) {
+bool put_singles(const code_table &table, byte_pass &pass, const utf8_block &seen, std::size_t bytes) {
     std::size_t at = 0;
     unsigned char lowest = 1;
-    for (std::uint64_t rest = leads(seen) & ~std::uint64_t{0} >> (window - bytes); rest; rest &= rest - 1) {
+    for (bit_per_byte rest = leads(seen) & ~bit_per_byte{0} >> (block_size - bytes); rest; rest &= rest - 1) {
         const auto lead = static_cast<std::size_t>(std::countr_zero(rest));
         const bool is_three = HasThrees && (seen.leads_of_three >> lead & 1);
         const unsigned char *from = pass.from + lead;
@@ -365,16 +364,16 @@ bool put_twos(const code_table &table, const unsigned char *from, unsigned char 
     return (bits_of(reinterpret_cast<signed_bytes>(codes == 0)) & ((1U << bytes) - 1)) == 0;
 }
 
-// The same for a window where they stand side by side: word by word.
-bool put_words(const code_table &table, byte_pass &pass, const utf8_window &seen, std::size_t bytes) {
+// The same for a block where they stand side by side: word by word.
+bool put_words(const code_table &table, byte_pass &pass, const utf8_block &seen, std::size_t bytes) {
     const unsigned char *const end = pass.from + bytes;
     bool found = true;
-    for (std::uint64_t rest = seen.high & ~std::uint64_t{0} >> (window - bytes); rest;) {
+    for (bit_per_byte rest = seen.high & ~bit_per_byte{0} >> (block_size - bytes); rest;) {
         const auto blank = static_cast<std::size_t>(std::countr_zero(rest));
         copy_between(pass.from, pass, blank);
         pass.from += blank;
         rest >>= blank;
-        const auto word = static_cast<std::size_t>(std::countr_zero(~rest | std::uint64_t{1} << lane_step));
+        const auto word = static_cast<std::size_t>(std::countr_zero(~rest | bit_per_byte{1} << lane_step));
         rest >>= word;
         found &= put_twos(table, pass.from, pass.to, word);
         pass.from += word;
@@ -385,9 +384,9 @@ bool put_words(const code_table &table, byte_pass &pass, const utf8_window &seen
     return found;
 }
 
-bool convert_window_to_singles(const code_table &table, byte_pass &pass) {
-    const utf8_window seen = look_at(load_window(pass.from));
-    const std::size_t bytes = whole_bytes(seen, std::min(left(pass), window));
+bool convert_block_to_singles(const code_table &table, byte_pass &pass) {
+    const utf8_block seen = look_at(load_block(pass.from));
+    const std::size_t bytes = whole_bytes(seen, std::min(left(pass), block_size));
     if (!is_well_formed(seen, bytes))
         return false;
     if (seen.leads_of_three)
@@ -398,7 +397,7 @@ bool convert_window_to_singles(const code_table &table, byte_pass &pass) {
 
 verdict convert_utf8_to_singles(const code_table &table, byte_pass &whole) {
     return walk(whole, [&](byte_pass &pass) {
-        return any(is_high(load_bytes(pass.from))) ? convert_window_to_singles(table, pass)
+        return any(is_high(load_bytes(pass.from))) ? convert_block_to_singles(table, pass)
                                                    : (copy_run<ascii_run::whole>(pass), true);
     });
 }
@@ -434,16 +433,14 @@ verdict convert_from_utf8(const code_table &table, byte_pass &pass) {
 verdict convert_jis_to_utf8(const code_table &table, byte_pass &whole) {
     bool in_kanji = false;
     const verdict answer = walk(whole, [&](byte_pass &pass) {
-        if (!in_kanji) {
-            if (!copy_run<ascii_run::text>(pass))
-                return true;
-            if (*pass.from != escape)
-                return put_character(pass, table.singles[*pass.from++]);
-            in_kanji = true;
-            return take_escape(pass, enter_kanji) && *pass.from != escape;
-        }
-        const std::uint64_t leads =
-            bits_of(load_window(pass.from), [](signed_bytes bytes) { return is_between(bytes, 0x21, 0x7E); });
+        if (!in_kanji && *pass.from != escape)
+            return belongs_to<ascii_run::text>(*pass.from) ? (copy_run<ascii_run::text>(pass), true)
+                                                           : put_character(pass, table.singles[*pass.from++]);
+        if (!in_kanji && (!take_escape(pass, enter_kanji) || *pass.from == escape))
+            return false;
+        in_kanji = true;
+        const bit_per_byte leads =
+            ask(load_block(pass.from), [](signed_bytes bytes) { return is_between(bytes, 0x21, 0x7E); });
         const std::size_t pairs = pairs_ahead(pass, leads);
         if (!convert_pairs(table, pass, pairs))
             return false;
@@ -476,11 +473,11 @@ verdict convert_utf8_to_jis(const code_table &table, byte_pass &whole) {
             enter(pass, true);
             return convert_triples(table, pass, run / 3, convert_one);
         };
-        const window_bytes seen = load_window(pass.from);
+        const byte_block block = load_block(pass.from);
         bool found = true;
-        if (any_of(seen, are_controls)) [[unlikely]]
+        if (has_any(block, are_controls)) [[unlikely]]
             found = convert_one();
-        else if (const std::uint64_t high = copy_run<ascii_run::text>(pass, seen, bits_of(seen, is_high)))
+        else if (const bit_per_byte high = copy_run<ascii_run::text>(pass, block, ask(block, is_high)))
             found = convert_run(run_ahead(high));
         if (ended(pass) || belongs_to<ascii_run::text>(*pass.from))
             enter(pass, false);

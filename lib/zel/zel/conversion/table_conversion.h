@@ -1,4 +1,4 @@
-// Conversion by tables, without ICU: one walk over the text, runs of ASCII by windows and one read of the
+// Conversion by tables, without ICU: one walk over the text, runs of ASCII by blocks and one read of the
 // table for each other character.
 //
 // Invariant: what these roads decide is what ICU decides, to the byte. Where a table has no answer the walk

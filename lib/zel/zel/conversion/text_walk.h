@@ -18,8 +18,8 @@ enum class verdict {
     undecided, // for ICU, from the start of the text
 };
 
-constexpr std::size_t turn_text = window + lane_step;
-constexpr std::size_t turn_room = 2 * window;
+constexpr std::size_t turn_text = block_size + 2 * lane_step;
+constexpr std::size_t turn_room = 2 * block_size;
 
 // The text behind its end, to a turn: first a byte that is no character, nor part of one, in any charset that
 // has a table.
