@@ -29,8 +29,9 @@ inline bool ended(const byte_pass &pass) {
     return pass.from == pass.from_end;
 }
 
-// The last turns, on copies. Three bytes become one at least in any text worth a table, so that where more
-// of it is left, the room was too small from the start.
+// The last turns, on a copy of the text, and where the room is short with a copy of the result. No byte
+// becomes more than three in the end; and three become one at least in any text worth a table, so that where
+// more of it is left, the room was too small from the start.
 template <class Turn>
 [[gnu::noinline, gnu::flatten]] verdict walk_to_end(byte_pass &pass, Turn turn) {
     constexpr std::size_t longest = 3 * turn_room;
@@ -38,17 +39,20 @@ template <class Turn>
         return verdict::undecided;
     unsigned char text[longest + turn_text];
     unsigned char converted[3 * longest + turn_room];
-    byte_pass copy = {text, text + left(pass), converted, std::end(converted)};
-    std::memcpy(text, pass.from, left(pass));
     std::memset(text + left(pass), 0, turn_text);
+    std::memcpy(text, pass.from, left(pass));
     text[left(pass)] = no_character;
+    const bool is_wide = room(pass) >= 3 * left(pass) + turn_room;
+    unsigned char *const start = is_wide ? pass.to : converted;
+    byte_pass copy = {text, text + left(pass), start, is_wide ? pass.to_end : std::end(converted)};
     while (!ended(copy))
         if (!turn(copy))
             return verdict::undecided;
-    const auto length = static_cast<std::size_t>(copy.to - converted);
+    const auto length = static_cast<std::size_t>(copy.to - start);
     if (room(pass) < length)
         return verdict::full;
-    std::memcpy(pass.to, converted, length);
+    if (!is_wide)
+        std::memcpy(pass.to, converted, length);
     pass.to += length;
     return verdict::done;
 }
