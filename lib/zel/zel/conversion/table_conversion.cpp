@@ -439,10 +439,10 @@ verdict convert_jis_to_utf8(const code_table &table, byte_pass &whole) {
         if (!in_kanji && (!take_escape(pass, enter_kanji) || *pass.from == escape))
             return false;
         in_kanji = true;
-        const bit_per_byte leads =
-            ask(load_block(pass.from), [](signed_bytes bytes) { return is_between(bytes, 0x21, 0x7E); });
+        const bit_per_byte leads = bits_of(is_between(load_bytes(pass.from), 0x21, 0x7E));
         const std::size_t pairs = pairs_ahead(pass, leads);
-        if (!convert_pairs(table, pass, pairs))
+        // A full step is a case of its own, so that the next need not wait until it is counted.
+        if (!(pairs == 8 ? convert_pairs(table, pass, 8) : convert_pairs(table, pass, pairs)))
             return false;
         if (*pass.from == escape) {
             in_kanji = false;
