@@ -1,0 +1,218 @@
+// The direct converters by wide steps. A text goes through blocks, in which a bit for each byte tells where
+// runs end. A step takes the run of single bytes that stands next and the run of pairs behind it; their ends
+// are found by those bits and their bytes copied by whole lanes, so that the short runs of mixed text cost
+// hardly a branch. What is irregular stays where it is and goes by units, byte by byte.
+//
+// Invariant: a step begins where step_reach bytes may be read and as many written; what it writes behind its
+// runs is overwritten by what follows or left as slack within the buffer.
+
+#pragma once
+
+#include "zel/base/ascii_run.h"
+#include "zel/base/input.h"
+#include "zel/base/output.h"
+
+namespace zel {
+
+using run_bits = std::uint64_t; // that of the first byte lowest
+
+inline constexpr std::size_t window = 64;
+inline constexpr std::size_t longest_escape = 3;
+inline constexpr std::size_t longest_singles = window - longest_escape - 1;
+inline constexpr std::size_t longest_pairs = window - 2;
+
+// A run of each kind with an escape sequence before or behind it.
+inline constexpr std::size_t step_reach = 2 * (window + longest_escape);
+inline constexpr std::size_t block_size = 32 * window;
+
+// Where runs of one kind end in a block: with bytes that go on with none, and behind the text.
+struct run_ends {
+    run_bits words[block_size / window + 2];
+
+    run_bits from(std::size_t place) const {
+        const run_bits *const word = &words[place / window];
+        return word[0] >> place % window | word[1] << 1 << ~place % window;
+    }
+};
+
+inline std::size_t first_of(run_bits bits) {
+    return static_cast<unsigned>(__builtin_ctzll(bits));
+}
+
+inline std::size_t length_of_singles(run_bits ends) {
+    return first_of(ends | run_bits{1} << longest_singles);
+}
+
+// Pairs begin at every other place. What comes from behind the window counts as an end.
+inline std::size_t length_of_pairs(run_bits ends, std::size_t start) {
+    const auto capped = static_cast<std::int64_t>(ends | run_bits{3} << longest_pairs);
+    return first_of(static_cast<run_bits>(capped >> start) & 0x5555555555555555);
+}
+
+template <class Flags>
+run_bits bits_in_window(const unsigned char *bytes, Flags flags) {
+    run_bits bits = 0;
+    for (std::size_t at = 0; at < window; at += lane_step)
+        bits |= run_bits{bits_of(flags(load_bytes(bytes + at)))} << at;
+    return bits;
+}
+
+inline void end_at(run_ends &ends, std::size_t place) {
+    ends.words[place / window] |= ~run_bits{0} << place % window;
+    ends.words[place / window + 1] = ~run_bits{0};
+}
+
+// A stretch of the text with zeros behind it.
+struct text_block {
+    unsigned char bytes[block_size + 3 * window];
+    run_ends singles;
+    run_ends pairs;
+};
+
+template <class Text>
+void fill(text_block &block, const unsigned char *from, std::size_t length) {
+    std::copy_n(from, length, block.bytes);
+    for (std::size_t at = 0; at < 3 * window; at += window)
+        std::memset(block.bytes + length + at, 0, window);
+    for (std::size_t at = 0; at <= length; at += window) {
+        block.singles.words[at / window] = bits_in_window(block.bytes + at, Text::ends_singles);
+        block.pairs.words[at / window] = bits_in_window(block.bytes + at, Text::ends_pairs);
+    }
+    end_at(block.singles, length);
+    end_at(block.pairs, length - Text::needs_trail);
+}
+
+inline void copy_singles(byte_pass &pass, std::size_t length) {
+    std::memcpy(pass.to, pass.from, window);
+    pass.from += length;
+    pass.to += length;
+}
+
+// A word of mixed text is within one lane, and a line of dense text within four.
+template <class Change>
+void copy_pairs(byte_pass &pass, std::size_t length, Change change) {
+    change(pass.to, pass.from);
+    if (length > lane_step)
+        for (std::size_t at = lane_step; at < window; at += lane_step)
+            change(pass.to + at, pass.from + at);
+    pass.from += length;
+    pass.to += length;
+}
+
+inline byte_pass pass_between(const input &from, const output &to) {
+    auto *const start = reinterpret_cast<unsigned char *>(to.start) + to.length;
+    return {from.at, from.end, start, start + room_left(to)};
+}
+
+// A pair that the end of the text cuts off has been read with the zero behind it.
+inline void settle(const byte_pass &pass, input &from, output &to) {
+    from.at = std::min(pass.from, from.end);
+    to.length = static_cast<std::size_t>(reinterpret_cast<char *>(pass.to) - to.start);
+}
+
+// Steps that begin in front of a place. They work on a state of their own: that of the caller might be what a
+// byte is stored into, for all that the compiler knows. False where a unit did not fit.
+template <class Text>
+bool take_steps(Text &text, const text_block &block, input &from, const unsigned char *before, output &to) {
+    Text own = text;
+    byte_pass pass = pass_between(from, to);
+    while (pass.from < before && room(pass) >= step_reach) {
+        const unsigned char *const start = pass.from;
+        const auto place = static_cast<std::size_t>(start - block.bytes);
+        if (own.takes_step(*start))
+            own.step(block.singles.from(place), block.pairs.from(place), pass);
+        if (pass.from != start)
+            continue;
+        settle(pass, from, to);
+        text = own;
+        if (!text.take_unit(from, to))
+            return false;
+        own = text;
+        pass = pass_between(from, to);
+    }
+    settle(pass, from, to);
+    text = own;
+    return true;
+}
+
+template <class Text>
+bool take_all_steps(Text &text, input &from, output &to) {
+    text_block block;
+    while (!ended(from) && room_left(to) >= step_reach) {
+        const std::size_t length = std::min(left(from), block_size);
+        fill<Text>(block, from.at, length);
+        input part = {block.bytes, block.bytes + length};
+        const std::size_t steps = length == left(from) ? length : length - step_reach;
+        const bool fits = take_steps(text, block, part, block.bytes + steps, to);
+        from.at += part.at - block.bytes;
+        if (!fits)
+            return false;
+    }
+    return true;
+}
+
+// 7-bit text that shifts between single bytes and pairs: single bytes up to an opening sequence, and the
+// pairs behind it up to a closing one. True if the step ends in pairs. Of a charset it takes
+//   opening, closing           the lengths of the sequences
+//   opens_pairs, closes_pairs  whether one stands at a place
+//   change_pairs               copies and changes the pairs of a lane
+template <class Charset>
+bool step_through_shifts(run_bits singles, run_bits pairs, byte_pass &pass, bool in_pairs) {
+    std::size_t start = 0;
+    if (!in_pairs) {
+        start = length_of_singles(singles);
+        copy_singles(pass, start);
+        if (!Charset::opens_pairs(pass.from))
+            return false;
+        pass.from += Charset::opening;
+        start += Charset::opening;
+    }
+    copy_pairs(pass, length_of_pairs(pairs, start), Charset::change_pairs);
+    if (!Charset::closes_pairs(pass.from))
+        return true;
+    pass.from += Charset::closing;
+    return false;
+}
+
+using pair_words = std::int16_t __attribute__((vector_size(lane_step)));
+
+template <class Number>
+struct both_of {
+    Number first;
+    Number second;
+};
+
+// The pairs of a lane as numbers, to do arithmetic on.
+inline both_of<pair_words> load_pairs(const unsigned char *from) {
+    const auto words = reinterpret_cast<pair_words>(load_bytes(from));
+    const pair_words low = words & 0xFF, high = words >> 8 & 0xFF;
+    return is_little_endian ? both_of<pair_words>{low, high} : both_of<pair_words>{high, low};
+}
+
+inline void store_pairs(unsigned char *to, const both_of<pair_words> &pairs) {
+    const pair_words low = (is_little_endian ? pairs.first : pairs.second) & 0xFF;
+    const pair_words high = is_little_endian ? pairs.second : pairs.first;
+    store_bytes(to, reinterpret_cast<signed_bytes>(low | high << 8));
+}
+
+inline void copy_with_high_bits(unsigned char *to, const unsigned char *from) {
+    store_bytes(to, load_bytes(from) | static_cast<signed char>(0x80));
+}
+
+// What a text of some charset is, which holds the state in which its next byte is read:
+//   ends_singles, ends_pairs  flag the bytes with which no single byte, and no pair, of a run begins
+//   needs_trail               1 if a pair is no pair where the text ends in it
+//   takes_step(byte)          false where a step is in vain
+//   step(singles, pairs, pass)  takes what it can from where these bits begin, maybe nothing
+//   take_unit(from, to)       false where the output is full
+template <class Text>
+bool convert_text(Text &text, input from, output &to) {
+    if (to.start && !take_all_steps(text, from, to))
+        return false;
+    while (!ended(from))
+        if (!text.take_unit(from, to))
+            return false;
+    return true;
+}
+
+} // namespace zel
