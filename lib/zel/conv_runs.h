@@ -57,27 +57,40 @@ run_bits bits_in_window(const unsigned char *bytes, Flags flags) {
     return bits;
 }
 
+// The last window overlaps the one before it, so that nothing behind the text is read.
+template <class Flags>
+void find_ends(run_ends &ends, const unsigned char *from, std::size_t length, Flags flags) {
+    for (std::size_t at = 0; at + window <= length; at += window)
+        ends.words[at / window] = bits_in_window(from + at, flags);
+    const run_bits last = bits_in_window(from + length - window, flags);
+    ends.words[length / window] = last >> 1 >> ~length % window;
+}
+
 inline void end_at(run_ends &ends, std::size_t place) {
     ends.words[place / window] |= ~run_bits{0} << place % window;
     ends.words[place / window + 1] = ~run_bits{0};
 }
 
-// A stretch of the text with zeros behind it.
+// A stretch of the text, a window at least, with zeros behind it.
 struct text_block {
     unsigned char bytes[block_size + 3 * window];
     run_ends singles;
     run_ends pairs;
 };
 
-template <class Text>
-void fill(text_block &block, const unsigned char *from, std::size_t length) {
-    std::copy_n(from, length, block.bytes);
+inline void copy_text(text_block &block, const unsigned char *from, std::size_t length) {
+    for (std::size_t at = 0; at + window <= length; at += window)
+        std::memcpy(block.bytes + at, from + at, window);
+    std::memcpy(block.bytes + length - window, from + length - window, window);
     for (std::size_t at = 0; at < 3 * window; at += window)
         std::memset(block.bytes + length + at, 0, window);
-    for (std::size_t at = 0; at <= length; at += window) {
-        block.singles.words[at / window] = bits_in_window(block.bytes + at, Text::ends_singles);
-        block.pairs.words[at / window] = bits_in_window(block.bytes + at, Text::ends_pairs);
-    }
+}
+
+template <class Text>
+void fill(text_block &block, const unsigned char *from, std::size_t length) {
+    copy_text(block, from, length);
+    find_ends(block.singles, from, length, Text::ends_singles);
+    find_ends(block.pairs, from, length, Text::ends_pairs);
     end_at(block.singles, length);
     end_at(block.pairs, length - Text::needs_trail);
 }
@@ -138,7 +151,7 @@ bool take_steps(Text &text, const text_block &block, input &from, const unsigned
 template <class Text>
 bool take_all_steps(Text &text, input &from, output &to) {
     text_block block;
-    while (!ended(from) && room_left(to) >= step_reach) {
+    while (left(from) >= window && room_left(to) >= step_reach) {
         const std::size_t length = std::min(left(from), block_size);
         fill<Text>(block, from.at, length);
         input part = {block.bytes, block.bytes + length};
