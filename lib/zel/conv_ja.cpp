@@ -79,7 +79,7 @@ bool is_sjis_lead(unsigned char byte) {
 }
 
 struct eucjp_to_jis {
-    static constexpr std::size_t needs_trail = 1;
+    static constexpr bool needs_trail = true;
 
     static signed_bytes are_leads(signed_bytes bytes) {
         return is_high(bytes) & ~is_byte(bytes, eucjp_kana_prefix);
@@ -102,7 +102,7 @@ struct eucjp_to_jis {
 };
 
 struct sjis_to_jis {
-    static constexpr std::size_t needs_trail = 0;
+    static constexpr bool needs_trail = false;
 
     static signed_bytes are_leads(signed_bytes bytes) {
         return is_between(bytes, 0x81, 0x9F) | is_between(bytes, 0xE0, 0xFC);
@@ -129,7 +129,7 @@ template <class Charset>
 struct text_to_jis {
     bool kanji = false;
 
-    static constexpr std::size_t needs_trail = Charset::needs_trail;
+    static constexpr bool needs_trail = Charset::needs_trail;
 
     static signed_bytes ends_singles(signed_bytes bytes) { return is_high(bytes); }
     static signed_bytes ends_pairs(signed_bytes bytes) { return ~Charset::are_leads(bytes); }
@@ -209,7 +209,7 @@ struct text_from_jis {
     mode saved = mode::ASCII;
     bool pass_8bit = passes_8bit();
 
-    static constexpr std::size_t needs_trail = 0;
+    static constexpr bool needs_trail = false;
     static constexpr std::size_t opening = 3;
     static constexpr std::size_t closing = 3;
     static constexpr auto change_pairs = Charset::change_pairs;

@@ -22,7 +22,7 @@ struct korean_text {
     state current = state::UNDESIGNATED;
     bool pass_8bit = passes_8bit();
 
-    static constexpr std::size_t needs_trail = 0;
+    static constexpr bool needs_trail = false;
     static constexpr std::size_t opening = 1;
     static constexpr std::size_t closing = 1;
     static constexpr auto change_pairs = copy_with_high_bits;

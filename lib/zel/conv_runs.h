@@ -62,13 +62,10 @@ template <class Flags>
 void find_ends(run_ends &ends, const unsigned char *from, std::size_t length, Flags flags) {
     for (std::size_t at = 0; at + window <= length; at += window)
         ends.words[at / window] = bits_in_window(from + at, flags);
-    const run_bits last = bits_in_window(from + length - window, flags);
-    ends.words[length / window] = last >> 1 >> ~length % window;
-}
-
-inline void end_at(run_ends &ends, std::size_t place) {
-    ends.words[place / window] |= ~run_bits{0} << place % window;
-    ends.words[place / window + 1] = ~run_bits{0};
+    const run_bits last = bits_in_window(from + length - window, flags) >> 1 >> ~length % window;
+    const run_bits behind = ~run_bits{0};
+    ends.words[length / window] = last | behind << length % window;
+    ends.words[length / window + 1] = behind;
 }
 
 // A stretch of the text, a window at least, with zeros behind it.
@@ -91,8 +88,8 @@ void fill(text_block &block, const unsigned char *from, std::size_t length) {
     copy_text(block, from, length);
     find_ends(block.singles, from, length, Text::ends_singles);
     find_ends(block.pairs, from, length, Text::ends_pairs);
-    end_at(block.singles, length);
-    end_at(block.pairs, length - Text::needs_trail);
+    if (Text::needs_trail)
+        block.pairs.words[(length - 1) / window] |= run_bits{1} << (length - 1) % window;
 }
 
 inline void copy_singles(byte_pass &pass, std::size_t length) {
@@ -214,7 +211,7 @@ inline void copy_with_high_bits(unsigned char *to, const unsigned char *from) {
 
 // What a text of some charset is, which holds the state in which its next byte is read:
 //   ends_singles, ends_pairs  flag the bytes with which no single byte, and no pair, of a run begins
-//   needs_trail               1 if a pair is no pair where the text ends in it
+//   needs_trail               true if a pair is no pair where the text ends in it
 //   takes_step(byte)          false where a step is in vain
 //   step(singles, pairs, pass)  takes what it can from where these bits begin, maybe nothing
 //   take_unit(from, to)       false where the output is full

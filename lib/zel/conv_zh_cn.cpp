@@ -20,7 +20,7 @@ struct hz_text {
     bool gb = false;
     bool pass_8bit = passes_8bit();
 
-    static constexpr std::size_t needs_trail = 0;
+    static constexpr bool needs_trail = false;
     static constexpr std::size_t opening = 2;
     static constexpr std::size_t closing = 2;
     static constexpr auto change_pairs = copy_with_high_bits;
@@ -71,7 +71,7 @@ void map_pair(const cell_map &map, unsigned char *to, const unsigned char *from)
 // Characters of one charset on their way into the other. No text of them is irregular.
 template <const cell_map &map>
 struct mapped_text {
-    static constexpr std::size_t needs_trail = 0;
+    static constexpr bool needs_trail = false;
 
     static signed_bytes ends_singles(signed_bytes bytes) { return is_between(bytes, first_lead, last_lead); }
     static signed_bytes ends_pairs(signed_bytes bytes) { return ~ends_singles(bytes); }
