@@ -61,8 +61,8 @@ both_of<Number> jis_of_sjis(Number lead, Number trail) {
 
 template <class Number>
 both_of<Number> sjis_of_jis(Number row, Number cell) {
-    const Number lead = ((row - 0x21) >> 1) + 0x81;
-    const Number trail = cell + 0x7D - where((row & 1) != 0, 0x5E);
+    const Number lead = (row + 2 * 0x81 - 0x21) >> 1;
+    const Number trail = cell + 0x7D - (row & 1) * 0x5E;
     return {lead + where(lead > 0x9F, 0x40), trail + where(trail >= 0x7F, 1)};
 }
 
@@ -110,8 +110,8 @@ struct sjis_to_jis {
     static bool is_regular(unsigned char byte) { return byte < 0x80 || is_sjis_lead(byte); }
 
     static void change_pairs(unsigned char *to, const unsigned char *from) {
-        const both_of<pair_words> pairs = load_pairs(from);
-        store_pairs(to, jis_of_sjis(pairs.first, pairs.second));
+        const auto [leads, trails] = pairs_of(load_bytes(from));
+        store_pairs(to, jis_of_sjis(leads, trails));
     }
 
     static bool put_kanji(input &from, output &to) {
@@ -192,8 +192,8 @@ struct to_eucjp {
 
 struct to_sjis {
     static void change_pairs(unsigned char *to, const unsigned char *from) {
-        const both_of<pair_words> pairs = load_pairs(from);
-        store_pairs(to, sjis_of_jis(pairs.first & 0x7F, pairs.second & 0x7F));
+        const auto [rows, cells] = pairs_of(load_bytes(from) & static_cast<signed char>(0x7F));
+        store_pairs(to, sjis_of_jis(rows, cells));
     }
 
     static bool put_kanji(output &to, unsigned char first, unsigned char second) {
@@ -215,7 +215,7 @@ struct text_from_jis {
     static constexpr auto change_pairs = Charset::change_pairs;
 
     static signed_bytes ends_singles(signed_bytes bytes) {
-        return is_high(bytes) | is_between(bytes, SO, SI) | is_byte(bytes, ESC);
+        return is_high(bytes) | is_between(bytes, SO, ESC); // the rest of these stands in no text
     }
     static signed_bytes ends_pairs(signed_bytes bytes) { return others_among<ascii_run::printable>(bytes); }
     static bool opens_pairs(const unsigned char *at) {

@@ -18,20 +18,32 @@ using run_bits = std::uint64_t; // that of the first byte lowest
 
 inline constexpr std::size_t window = 64;
 inline constexpr std::size_t longest_escape = 3;
-inline constexpr std::size_t longest_singles = window - longest_escape - 1;
-inline constexpr std::size_t longest_pairs = window - 2;
+inline constexpr std::size_t seen_bits = window - 7; // a map is read from whole bytes on
+inline constexpr std::size_t longest_pairs = seen_bits - 1;
+inline constexpr std::size_t longest_singles = longest_pairs - longest_escape;
 
 // A run of each kind with an escape sequence before or behind it.
 inline constexpr std::size_t step_reach = 2 * (window + longest_escape);
 inline constexpr std::size_t block_size = 32 * window;
 
+inline run_bits little_endian(run_bits bits) {
+    return is_little_endian ? bits : __builtin_bswap64(bits);
+}
+
 // Where runs of one kind end in a block: with bytes that go on with none, and behind the text.
 struct run_ends {
-    run_bits words[block_size / window + 2];
+    unsigned char bits[(block_size + 2 * window) / 8];
 
+    void put(std::size_t place, run_bits ends) {
+        ends = little_endian(ends);
+        std::memcpy(bits + place / 8, &ends, sizeof ends);
+    }
+
+    // At least as many as seen_bits.
     run_bits from(std::size_t place) const {
-        const run_bits *const word = &words[place / window];
-        return word[0] >> place % window | word[1] << 1 << ~place % window;
+        run_bits ends;
+        std::memcpy(&ends, bits + place / 8, sizeof ends);
+        return little_endian(ends) >> place % 8;
     }
 };
 
@@ -45,7 +57,7 @@ inline std::size_t length_of_singles(run_bits ends) {
 
 // Pairs begin at every other place. What comes from behind the window counts as an end.
 inline std::size_t length_of_pairs(run_bits ends, std::size_t start) {
-    const auto capped = static_cast<std::int64_t>(ends | run_bits{3} << longest_pairs);
+    const auto capped = static_cast<std::int64_t>(ends | ~run_bits{0} << longest_pairs);
     return first_of(static_cast<run_bits>(capped >> start) & 0x5555555555555555);
 }
 
@@ -59,13 +71,13 @@ run_bits bits_in_window(const unsigned char *bytes, Flags flags) {
 
 // The last window overlaps the one before it, so that nothing behind the text is read.
 template <class Flags>
-void find_ends(run_ends &ends, const unsigned char *from, std::size_t length, Flags flags) {
+void find_ends(run_ends &found, const unsigned char *from, std::size_t length, Flags flags) {
     for (std::size_t at = 0; at + window <= length; at += window)
-        ends.words[at / window] = bits_in_window(from + at, flags);
+        found.put(at, bits_in_window(from + at, flags));
     const run_bits last = bits_in_window(from + length - window, flags) >> 1 >> ~length % window;
     const run_bits behind = ~run_bits{0};
-    ends.words[length / window] = last | behind << length % window;
-    ends.words[length / window + 1] = behind;
+    found.put(length / window * window, last | behind << length % window);
+    found.put(length / window * window + window, behind);
 }
 
 // A stretch of the text, a window at least, with zeros behind it.
@@ -89,7 +101,7 @@ void fill(text_block &block, const unsigned char *from, std::size_t length) {
     find_ends(block.singles, from, length, Text::ends_singles);
     find_ends(block.pairs, from, length, Text::ends_pairs);
     if (Text::needs_trail)
-        block.pairs.words[(length - 1) / window] |= run_bits{1} << (length - 1) % window;
+        block.pairs.bits[(length - 1) / 8] |= static_cast<unsigned char>(1U << (length - 1) % 8);
 }
 
 inline void copy_singles(byte_pass &pass, std::size_t length) {
@@ -185,6 +197,7 @@ bool step_through_shifts(run_bits singles, run_bits pairs, byte_pass &pass, bool
 }
 
 using pair_words = std::int16_t __attribute__((vector_size(lane_step)));
+using unsigned_words = std::uint16_t __attribute__((vector_size(lane_step)));
 
 template <class Number>
 struct both_of {
@@ -193,9 +206,9 @@ struct both_of {
 };
 
 // The pairs of a lane as numbers, to do arithmetic on.
-inline both_of<pair_words> load_pairs(const unsigned char *from) {
-    const auto words = reinterpret_cast<pair_words>(load_bytes(from));
-    const pair_words low = words & 0xFF, high = words >> 8 & 0xFF;
+inline both_of<pair_words> pairs_of(signed_bytes bytes) {
+    const auto low = reinterpret_cast<pair_words>(bytes) & 0xFF;
+    const auto high = reinterpret_cast<pair_words>(reinterpret_cast<unsigned_words>(bytes) >> 8);
     return is_little_endian ? both_of<pair_words>{low, high} : both_of<pair_words>{high, low};
 }
 
