@@ -114,9 +114,8 @@ inline void copy_singles(byte_pass &pass, std::size_t length) {
 template <class Change>
 void copy_pairs(byte_pass &pass, std::size_t length, Change change) {
     change(pass.to, pass.from);
-    if (length > lane_step)
-        for (std::size_t at = lane_step; at < window; at += lane_step)
-            change(pass.to + at, pass.from + at);
+    for (std::size_t at = lane_step; at < length; at += lane_step)
+        change(pass.to + at, pass.from + at);
     pass.from += length;
     pass.to += length;
 }
