@@ -1,5 +1,6 @@
-// Japanese text byte by byte. The two encoders share the change between single bytes and double-byte runs,
-// the two decoders the reading of modes; each of the four then only says how one character is written.
+// Japanese text. The two encoders share the change between single bytes and double-byte runs, the two
+// decoders the reading of modes; each of the four then only says how a character is written, and how a lane
+// of pairs.
 //
 // Invariant: what decides how the next byte is read lives on the stack of one call.
 
@@ -53,20 +54,20 @@ pair_words where(pair_words holds, int value) {
 
 // A lead of Shift_JIS stands for two rows of JIS X 0208, an odd one and the even one behind it.
 template <class Number>
-both_of<Number> jis_of_sjis(Number lead, Number trail) {
+number_pair<Number> jis_of_sjis(Number lead, Number trail) {
     const Number odd_row = 2 * (lead - 0x71 - where(lead > 0x9F, 0x40)) + 1;
     const Number place = trail - where(trail > 0x7F, 1); // 0x7F itself is no trail
     return {odd_row + where(place >= 0x9E, 1), place - 0x1F - where(place >= 0x9E, 0x5E)};
 }
 
 template <class Number>
-both_of<Number> sjis_of_jis(Number row, Number cell) {
+number_pair<Number> sjis_of_jis(Number row, Number cell) {
     const Number lead = (row + 2 * 0x81 - 0x21) >> 1;
     const Number trail = cell + 0x7D - (row & 1) * 0x5E;
     return {lead + where(lead > 0x9F, 0x40), trail + where(trail >= 0x7F, 1)};
 }
 
-bool put_both(output &to, both_of<int> pair) {
+bool put_numbers(output &to, number_pair<int> pair) {
     return put_pair(to, static_cast<unsigned char>(pair.first), static_cast<unsigned char>(pair.second));
 }
 
@@ -117,7 +118,7 @@ struct sjis_to_jis {
     static bool put_kanji(input &from, output &to) {
         const unsigned char byte = take(from);
         if (is_sjis_lead(byte))
-            return put_both(to, jis_of_sjis<int>(byte, take(from)));
+            return put_numbers(to, jis_of_sjis<int>(byte, take(from)));
         return put_pair(to, full_width(byte)[0], full_width(byte)[1]);
     }
 
@@ -197,7 +198,7 @@ struct to_sjis {
     }
 
     static bool put_kanji(output &to, unsigned char first, unsigned char second) {
-        return put_both(to, sjis_of_jis<int>(without_high_bit(first), without_high_bit(second)));
+        return put_numbers(to, sjis_of_jis<int>(without_high_bit(first), without_high_bit(second)));
     }
     static bool put_kana(output &to, unsigned char byte) { return put(to, with_high_bit(byte)); }
 };
@@ -215,7 +216,7 @@ struct text_from_jis {
     static constexpr auto change_pairs = Charset::change_pairs;
 
     static signed_bytes ends_singles(signed_bytes bytes) {
-        return is_high(bytes) | is_between(bytes, SO, ESC); // the rest of these stands in no text
+        return is_high(bytes) | is_between(bytes, SO, ESC); // the controls between them are rare
     }
     static signed_bytes ends_pairs(signed_bytes bytes) { return others_among<ascii_run::printable>(bytes); }
     static bool opens_pairs(const unsigned char *at) {
@@ -224,7 +225,9 @@ struct text_from_jis {
     static bool closes_pairs(const unsigned char *at) {
         return at[0] == ESC && at[1] == '(' && (at[2] == 'B' || at[2] == 'J');
     }
-    bool takes_step(unsigned char) const { return current != mode::KANA; }
+    bool takes_step(unsigned char byte) const {
+        return current != mode::KANA && (byte < 0x80 || current == mode::KANJI);
+    }
 
     void step(run_bits singles, run_bits pairs, byte_pass &pass) {
         const bool kanji = current == mode::KANJI;

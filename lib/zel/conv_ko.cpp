@@ -34,7 +34,9 @@ struct korean_text {
     static signed_bytes ends_pairs(signed_bytes bytes) { return is_byte(bytes, ' ') | are_shifts(bytes); }
     static bool opens_pairs(const unsigned char *at) { return *at == SO; }
     static bool closes_pairs(const unsigned char *at) { return *at == SI; }
-    bool takes_step(unsigned char) const { return current != state::UNDESIGNATED; }
+    bool takes_step(unsigned char byte) const {
+        return current != state::UNDESIGNATED && (byte < 0x80 || current == state::KOREAN);
+    }
 
     void step(run_bits singles, run_bits pairs, byte_pass &pass) {
         const bool korean = current == state::KOREAN;

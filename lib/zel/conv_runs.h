@@ -12,6 +12,10 @@
 #include "zel/base/input.h"
 #include "zel/base/output.h"
 
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+
 namespace zel {
 
 using run_bits = std::uint64_t; // that of the first byte lowest
@@ -146,8 +150,10 @@ bool take_steps(Text &text, const text_block &block, input &from, const unsigned
             continue;
         settle(pass, from, to);
         text = own;
-        if (!text.take_unit(from, to))
-            return false;
+        do
+            if (!text.take_unit(from, to))
+                return false;
+        while (from.at < before && !text.takes_step(*from.at));
         own = text;
         pass = pass_between(from, to);
     }
@@ -199,19 +205,19 @@ using pair_words = std::int16_t __attribute__((vector_size(lane_step)));
 using unsigned_words = std::uint16_t __attribute__((vector_size(lane_step)));
 
 template <class Number>
-struct both_of {
+struct number_pair {
     Number first;
     Number second;
 };
 
 // The pairs of a lane as numbers, to do arithmetic on.
-inline both_of<pair_words> pairs_of(signed_bytes bytes) {
+inline number_pair<pair_words> pairs_of(signed_bytes bytes) {
     const auto low = reinterpret_cast<pair_words>(bytes) & 0xFF;
     const auto high = reinterpret_cast<pair_words>(reinterpret_cast<unsigned_words>(bytes) >> 8);
-    return is_little_endian ? both_of<pair_words>{low, high} : both_of<pair_words>{high, low};
+    return is_little_endian ? number_pair<pair_words>{low, high} : number_pair<pair_words>{high, low};
 }
 
-inline void store_pairs(unsigned char *to, const both_of<pair_words> &pairs) {
+inline void store_pairs(unsigned char *to, const number_pair<pair_words> &pairs) {
     const pair_words low = (is_little_endian ? pairs.first : pairs.second) & 0xFF;
     const pair_words high = is_little_endian ? pairs.second : pairs.first;
     store_bytes(to, reinterpret_cast<signed_bytes>(low | high << 8));
@@ -222,11 +228,11 @@ inline void copy_with_high_bits(unsigned char *to, const unsigned char *from) {
 }
 
 // What a text of some charset is, which holds the state in which its next byte is read:
-//   ends_singles, ends_pairs  flag the bytes with which no single byte, and no pair, of a run begins
-//   needs_trail               true if a pair is no pair where the text ends in it
-//   takes_step(byte)          false where a step is in vain
-//   step(singles, pairs, pass)  takes what it can from where these bits begin, maybe nothing
-//   take_unit(from, to)       false where the output is full
+//   ends_singles, ends_pairs    flag the bytes with which no single byte, and no pair, of a run begins
+//   needs_trail                 true if a pair is no pair where the text ends in it
+//   takes_step(byte)            false where a step would take nothing
+//   step(singles, pairs, pass)  takes what it can from where these ends of runs begin, maybe nothing
+//   take_unit(from, to)         false where the output is full
 template <class Text>
 bool convert_text(Text &text, input from, output &to) {
     if (to.start && !take_all_steps(text, from, to))

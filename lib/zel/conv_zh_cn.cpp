@@ -1,7 +1,5 @@
-// HZ to GB 2312 (RFC 1843) by a walk of two states, and Big5 and GB 2312 by tables of characters, in which a
-// cell is found by direct index. Both tables share one walk and differ in how a pair gives its index.
-//
-// Invariant: an index is tested against its table before the table is read.
+// HZ to GB 2312 (RFC 1843) by a walk of two states, and Big5 and GB 2312 by maps of characters, in which the
+// two bytes of a pair index their cell.
 
 #include "conv_zh_cn.h"
 
@@ -29,7 +27,7 @@ struct hz_text {
     static signed_bytes ends_pairs(signed_bytes bytes) { return is_byte(bytes, '~'); }
     static bool opens_pairs(const unsigned char *at) { return at[0] == '~' && at[1] == '{'; }
     static bool closes_pairs(const unsigned char *at) { return at[0] == '~' && at[1] == '}'; }
-    static bool takes_step(unsigned char) { return true; }
+    bool takes_step(unsigned char byte) const { return byte < 0x80 || gb; }
 
     void step(run_bits singles, run_bits pairs, byte_pass &pass) {
         gb = step_through_shifts<hz_text>(singles, pairs, pass, gb);
