@@ -11,8 +11,6 @@
 #include "zel.h"
 #include "zel/base/frame.h"
 
-#include <iterator>
-
 // clang-format off
 const unsigned char KanaTbl[63][3] = {
     {0xA1, 0x21, 0x23}, {0xA2, 0x21, 0x56}, {0xA3, 0x21, 0x57}, {0xA4, 0x21, 0x22}, {0xA5, 0x21, 0x26},
@@ -71,8 +69,15 @@ bool put_numbers(output &to, number_pair<int> pair) {
     return put_pair(to, static_cast<unsigned char>(pair.first), static_cast<unsigned char>(pair.second));
 }
 
+constexpr unsigned char first_kana = 0xA1;
+constexpr unsigned char last_kana = 0xDF;
+
+bool is_kana(unsigned char byte) {
+    return byte >= first_kana && byte <= last_kana;
+}
+
 const unsigned char *full_width(unsigned char kana) {
-    return &KanaTbl[kana - KanaTbl[0][0]][1];
+    return &KanaTbl[kana - first_kana][1];
 }
 
 bool is_sjis_lead(unsigned char byte) {
@@ -96,7 +101,7 @@ struct eucjp_to_jis {
         if (byte != eucjp_kana_prefix)
             return put(to, without_high_bit(byte)) && (ended(from) || put(to, without_high_bit(take(from))));
         const unsigned char kana = take(from);
-        return !is_hankakukana(kana) || (put(to, full_width(kana)[0]) && put(to, full_width(kana)[1]));
+        return !is_kana(kana) || (put(to, full_width(kana)[0]) && put(to, full_width(kana)[1]));
     }
 
     static bool is_kanji(unsigned char byte) { return byte >= 0x80; }
@@ -122,7 +127,7 @@ struct sjis_to_jis {
         return put_pair(to, full_width(byte)[0], full_width(byte)[1]);
     }
 
-    static bool is_kanji(unsigned char byte) { return is_sjis_lead(byte) || is_hankakukana(byte); }
+    static bool is_kanji(unsigned char byte) { return is_sjis_lead(byte) || is_kana(byte); }
 };
 
 // Text on its way to ISO-2022-JP, which has a sequence at each change between ASCII and kanji.
@@ -321,7 +326,7 @@ void convert_jis_to_sjis(input from, output &to) {
 } // namespace zel
 
 int32_t is_hankakukana(unsigned char byte) {
-    return byte >= std::begin(KanaTbl)[0][0] && byte <= std::end(KanaTbl)[-1][0];
+    return zel::is_kana(byte);
 }
 
 int32_t eucjp2jis(const char *from_buf, int32_t from_len, char *to_buf, int32_t to_size) {
