@@ -35,7 +35,7 @@ inline run_bits little_endian(run_bits bits) {
 }
 
 // Where runs of one kind end in a block: with bytes that go on with none, and behind the text.
-struct run_ends {
+struct run_map {
     unsigned char bits[(block_size + 2 * window) / 8];
 
     void put(std::size_t place, run_bits ends) {
@@ -73,22 +73,11 @@ run_bits bits_in_window(const unsigned char *bytes, Flags flags) {
     return bits;
 }
 
-// The last window overlaps the one before it, so that nothing behind the text is read.
-template <class Flags>
-void find_ends(run_ends &found, const unsigned char *from, std::size_t length, Flags flags) {
-    for (std::size_t at = 0; at + window <= length; at += window)
-        found.put(at, bits_in_window(from + at, flags));
-    const run_bits last = bits_in_window(from + length - window, flags) >> 1 >> ~length % window;
-    const run_bits behind = ~run_bits{0};
-    found.put(length / window * window, last | behind << length % window);
-    found.put(length / window * window + window, behind);
-}
-
 // A stretch of the text, a window at least, with zeros behind it.
 struct text_block {
     unsigned char bytes[block_size + 3 * window];
-    run_ends singles;
-    run_ends pairs;
+    run_map singles;
+    run_map pairs;
 };
 
 inline void copy_text(text_block &block, const unsigned char *from, std::size_t length) {
@@ -99,11 +88,36 @@ inline void copy_text(text_block &block, const unsigned char *from, std::size_t 
         std::memset(block.bytes + length + at, 0, window);
 }
 
+struct window_ends {
+    run_bits singles;
+    run_bits pairs;
+};
+
+// Of both kinds at once, since they are told by much the same comparisons.
 template <class Text>
-void fill(text_block &block, const unsigned char *from, std::size_t length) {
-    copy_text(block, from, length);
-    find_ends(block.singles, from, length, Text::ends_singles);
-    find_ends(block.pairs, from, length, Text::ends_pairs);
+window_ends ends_in_window(const unsigned char *bytes) {
+    return {bits_in_window(bytes, Text::ends_singles), bits_in_window(bytes, Text::ends_pairs)};
+}
+
+inline void put_ends(text_block &block, std::size_t place, const window_ends &ends) {
+    block.singles.put(place, ends.singles);
+    block.pairs.put(place, ends.pairs);
+}
+
+// Bits of a window that begins in front of a text's last stretch, with the end of the text put in.
+inline run_bits last_bits(run_bits bits, std::size_t length) {
+    return bits >> 1 >> ~length % window | ~run_bits{0} << length % window;
+}
+
+// The last window overlaps the one before it, so that nothing behind the text is read.
+template <class Text>
+void find_ends(text_block &block, const unsigned char *from, std::size_t length) {
+    for (std::size_t at = 0; at + window <= length; at += window)
+        put_ends(block, at, ends_in_window<Text>(from + at));
+    const window_ends last = ends_in_window<Text>(from + length - window);
+    const std::size_t place = length / window * window;
+    put_ends(block, place, {last_bits(last.singles, length), last_bits(last.pairs, length)});
+    put_ends(block, place + window, {~run_bits{0}, ~run_bits{0}});
     if (Text::needs_trail)
         block.pairs.bits[(length - 1) / 8] |= static_cast<unsigned char>(1U << (length - 1) % 8);
 }
@@ -167,7 +181,8 @@ bool take_all_steps(Text &text, input &from, output &to) {
     text_block block;
     while (left(from) >= window && room_left(to) >= step_reach) {
         const std::size_t length = std::min(left(from), block_size);
-        fill<Text>(block, from.at, length);
+        copy_text(block, from.at, length);
+        find_ends<Text>(block, from.at, length);
         input part = {block.bytes, block.bytes + length};
         const std::size_t steps = length == left(from) ? length : length - step_reach;
         const bool fits = take_steps(text, block, part, block.bytes + steps, to);
