@@ -18,6 +18,7 @@ TEST(Collation, sorts_as_a_reader_of_the_language_does) {
                 {"de-AT", "iso-8859-1", "\xC4pfel", "Birnen", -1},
                 {"en", "UTF-8", "abc", "ABC", -1},
                 {"en", "UTF-8", "\u00e9", "e\u0301", 0},
+                {"en", "UTF-8", "a\u0323\u0301", "a\u0301\u0323", 0},
                 {"ja", "Shift_JIS", "\x82\xa0", "\x82\xa2", -1},
                 {"en", nullptr, "a", "B", -1},
                 {"en", "", "b", "A", 1}};

@@ -27,9 +27,9 @@ TEST(Languages, tags_resolve_whole_and_in_any_case) {
     const struct {
         const char *tag;
         LanguageID lenient, strict;
-    } rows[] = {{"en", 1, 1},         {"ZH-cn", 44, 44}, {"zh_cn", 45, 45}, {"zh_TW", 47, 47},
-                {"yi", 39, 39},       {"en-US", 1, -1},  {"e", 1, -1},      {"jap", 1, -1},
-                {"i-default", 1, -1}, {"", 1, -1},       {nullptr, 1, -1},  {"Ja", 41, 41}};
+    } rows[] = {{"en", 1, 1},     {"ZH-cn", 44, 44}, {"zh_cn", 45, 45}, {"zh_TW", 47, 47},    {"yi", 39, 39},
+                {"en-US", 1, -1}, {"e", 1, -1},      {"jap", 1, -1},    {"i-default", 1, -1}, {"", 1, -1},
+                {nullptr, 1, -1}, {"Ja", 41, 41},    {"%.", 1, -1},     {"zh-", 1, -1}};
     for (const auto &row : rows) {
         EXPECT_EQ(ZEL_GetIntLanguageID(row.tag), row.lenient);
         EXPECT_EQ(ZEL_GetIntLanguageID_strict(row.tag), row.strict);
@@ -42,8 +42,10 @@ TEST(Languages, the_list_names_every_language_in_the_order_of_ids) {
               "[en,de,fr,es,af,ca,da,nl,fi,gl,ga,is,it,no,pt,sv,eu,sq,cs,hu,pl,ro,hr,sk,sl,et,lv,lt,ru,bg,be,"
               "sr,mk,uk,el,tr,ar,he,yi,th,ja,ko,zh,zh-CN,zh_CN,zh-TW,zh_TW]");
     std::string tags;
-    for (LanguageID id = 1; id <= 47; ++id)
+    for (LanguageID id = 1; id <= 47; ++id) {
         tags += (id == 1 ? "[" : ",") + std::string(ZEL_GetRFC1766LanguageID(id));
+        EXPECT_EQ(ZEL_GetIntLanguageID_strict(ZEL_GetRFC1766LanguageID(id)), id);
+    }
     EXPECT_EQ(tags + "]", list);
     for (const LanguageID id : {0, 48, -1, INT32_MIN, INT32_MAX})
         EXPECT_STREQ(ZEL_GetRFC1766LanguageID(id), "en");

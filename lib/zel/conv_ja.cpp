@@ -179,7 +179,7 @@ struct text_to_jis {
 template <class Charset>
 void convert_to_jis(input from, output &to) {
     text_to_jis<Charset> text;
-    if (convert_text(text, from, to))
+    if (convert_by_steps(text, from, to))
         text.put_set(false, to);
 }
 
@@ -223,7 +223,9 @@ struct text_from_jis {
     static signed_bytes ends_singles(signed_bytes bytes) {
         return is_high(bytes) | is_between(bytes, SO, ESC); // the controls between them are rare
     }
-    static signed_bytes ends_pairs(signed_bytes bytes) { return others_among<ascii_run::printable>(bytes); }
+    static signed_bytes ends_pairs(signed_bytes bytes) {
+        return (bytes < ' ') | is_byte(bytes, DEL); // high bytes are negative
+    }
     static bool opens_pairs(const unsigned char *at) {
         return at[0] == ESC && at[1] == '$' && (at[2] == 'B' || at[2] == '@');
     }
@@ -302,7 +304,7 @@ struct text_from_jis {
 template <class Charset>
 void convert_from_jis(input from, output &to) {
     text_from_jis<Charset> text;
-    convert_text(text, from, to);
+    convert_by_steps(text, from, to);
 }
 
 } // namespace

@@ -76,7 +76,7 @@ struct korean_text {
 
 void convert_iso2022kr_to_euckr(input from, output &to) {
     korean_text text;
-    convert_text(text, from, to);
+    convert_by_steps(text, from, to);
 }
 
 } // namespace zel

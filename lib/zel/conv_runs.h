@@ -20,7 +20,6 @@ namespace zel {
 
 using run_bits = std::uint64_t; // that of the first byte lowest
 
-inline constexpr std::size_t window = 64;
 inline constexpr std::size_t longest_escape = 3;
 inline constexpr std::size_t seen_bits = window - 7; // a map is read from whole bytes on
 inline constexpr std::size_t longest_pairs = seen_bits - 1;
@@ -28,7 +27,7 @@ inline constexpr std::size_t longest_singles = longest_pairs - longest_escape;
 
 // A run of each kind with an escape sequence before or behind it.
 inline constexpr std::size_t step_reach = 2 * (window + longest_escape);
-inline constexpr std::size_t block_size = 32 * window;
+inline constexpr std::size_t text_block_size = 32 * window;
 
 inline run_bits little_endian(run_bits bits) {
     return is_little_endian ? bits : __builtin_bswap64(bits);
@@ -36,7 +35,7 @@ inline run_bits little_endian(run_bits bits) {
 
 // Where runs of one kind end in a block: with bytes that go on with none, and behind the text.
 struct run_map {
-    unsigned char bits[(block_size + 2 * window) / 8];
+    unsigned char bits[(text_block_size + 2 * window) / 8];
 
     void put(std::size_t place, run_bits ends) {
         ends = little_endian(ends);
@@ -65,17 +64,9 @@ inline std::size_t length_of_pairs(run_bits ends, std::size_t start) {
     return first_of(static_cast<run_bits>(capped >> start) & 0x5555555555555555);
 }
 
-template <class Flags>
-run_bits bits_in_window(const unsigned char *bytes, Flags flags) {
-    run_bits bits = 0;
-    for (std::size_t at = 0; at < window; at += lane_step)
-        bits |= run_bits{bits_of(flags(load_bytes(bytes + at)))} << at;
-    return bits;
-}
-
 // A stretch of the text, a window at least, with zeros behind it.
 struct text_block {
-    unsigned char bytes[block_size + 3 * window];
+    unsigned char bytes[text_block_size + 3 * window];
     run_map singles;
     run_map pairs;
 };
@@ -96,7 +87,8 @@ struct window_ends {
 // Of both kinds at once, since they are told by much the same comparisons.
 template <class Text>
 window_ends ends_in_window(const unsigned char *bytes) {
-    return {bits_in_window(bytes, Text::ends_singles), bits_in_window(bytes, Text::ends_pairs)};
+    const window_bytes seen = load_window(bytes);
+    return {bits_of(seen, Text::ends_singles), bits_of(seen, Text::ends_pairs)};
 }
 
 inline void put_ends(text_block &block, std::size_t place, const window_ends &ends) {
@@ -180,7 +172,7 @@ template <class Text>
 bool take_all_steps(Text &text, input &from, output &to) {
     text_block block;
     while (left(from) >= window && room_left(to) >= step_reach) {
-        const std::size_t length = std::min(left(from), block_size);
+        const std::size_t length = std::min(left(from), text_block_size);
         copy_text(block, from.at, length);
         find_ends<Text>(block, from.at, length);
         input part = {block.bytes, block.bytes + length};
@@ -249,7 +241,7 @@ inline void copy_with_high_bits(unsigned char *to, const unsigned char *from) {
 //   step(singles, pairs, pass)  takes what it can from where these ends of runs begin, maybe nothing
 //   take_unit(from, to)         false where the output is full
 template <class Text>
-bool convert_text(Text &text, input from, output &to) {
+bool convert_by_steps(Text &text, input from, output &to) {
     if (to.start && !take_all_steps(text, from, to))
         return false;
     while (!ended(from))

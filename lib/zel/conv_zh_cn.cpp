@@ -99,17 +99,17 @@ struct mapped_text {
 
 void convert_hz_to_gb(input from, output &to) {
     hz_text text;
-    convert_text(text, from, to);
+    convert_by_steps(text, from, to);
 }
 
 void convert_big5_to_gb(input from, output &to) {
     mapped_text<gb_of_big5> text;
-    convert_text(text, from, to);
+    convert_by_steps(text, from, to);
 }
 
 void convert_gb_to_big5(input from, output &to) {
     mapped_text<big5_of_gb> text;
-    convert_text(text, from, to);
+    convert_by_steps(text, from, to);
 }
 
 } // namespace zel

@@ -1,13 +1,15 @@
-// Runs of ASCII, sixteen bytes a step. Nearly all text of the field holds long ones, in whatever charset.
-// Where a charset reads some controls in ways of its own (ESC, SO and SI, or DEL), the run is one of
-// printable ASCII alone.
+// Runs of ASCII, a window of four steps at a time. Nearly all text of the field holds long ones, in whatever
+// charset. Where a charset reads some controls in ways of its own (ESC, SO and SI, or DEL), the run is one of
+// plain text alone: printable ASCII and white space.
 //
-// Invariant: nothing is read behind from_end, nothing is written behind to_end; what a step writes behind the
-// run that it copied is overwritten by what follows or left as slack within the buffer.
+// Invariant: nothing is read behind from_end, nothing is written behind to_end; what a window writes behind
+// the run that it copied is overwritten by what follows or left as slack within the buffer.
 
 #pragma once
 
 #include "zel/base/lanes.h"
+
+#include <array>
 
 namespace zel {
 
@@ -26,11 +28,19 @@ inline std::size_t room(const byte_pass &pass) {
     return static_cast<std::size_t>(pass.to_end - pass.to);
 }
 
-enum class ascii_run { whole, printable };
+enum class ascii_run { whole, text };
+
+constexpr bool is_control(unsigned char byte) {
+    return (byte >= 0x0E && byte < 0x20) || byte == 0x7F;
+}
+
+inline signed_bytes are_controls(signed_bytes bytes) {
+    return is_between(bytes, 0x0E, 0x1F) | is_byte(bytes, 0x7F);
+}
 
 template <ascii_run Run>
 constexpr bool belongs_to(unsigned char byte) {
-    return Run == ascii_run::whole ? byte < 0x80 : byte >= 0x20 && byte < 0x7F;
+    return byte < 0x80 && (Run == ascii_run::whole || !is_control(byte));
 }
 
 template <ascii_run Run>
@@ -38,47 +48,49 @@ signed_bytes others_among(signed_bytes bytes) {
     if constexpr (Run == ascii_run::whole)
         return is_high(bytes);
     else
-        return (bytes < ' ') | is_byte(bytes, 0x7F); // high bytes are negative
+        return is_high(bytes) | are_controls(bytes);
 }
 
-// Steps of four while there is nothing else; true if another byte is near.
-template <ascii_run Run>
-void copy_long_run(byte_pass &pass) {
-    constexpr std::size_t steps = 4;
-    while (left(pass) >= steps * lane_step && room(pass) >= steps * lane_step) {
-        signed_bytes others = {};
-        for (std::size_t step = 0; step < steps; ++step)
-            others |= others_among<Run>(load_bytes(pass.from + step * lane_step));
-        if (any(others))
-            return;
-        std::memcpy(pass.to, pass.from, steps * lane_step);
-        pass.from += steps * lane_step;
-        pass.to += steps * lane_step;
+constexpr std::size_t window = 4 * lane_step;
+
+using window_bytes = std::array<signed_bytes, 4>;
+
+inline window_bytes load_window(const unsigned char *from) {
+    return {load_bytes(from), load_bytes(from + lane_step), load_bytes(from + 2 * lane_step),
+            load_bytes(from + 3 * lane_step)};
+}
+
+inline void store_window(unsigned char *to, const window_bytes &bytes) {
+    for (const signed_bytes &step : bytes) {
+        std::memcpy(to, &step, lane_step);
+        to += lane_step;
     }
 }
 
-// Copies the run until another byte, the end of the text or the end of the room.
+// A bit for each byte of a window, that of the first byte lowest.
+template <class Flag>
+std::uint64_t bits_of(const window_bytes &bytes, Flag flag) {
+    return std::uint64_t{bits_of(flag(bytes[0]))} | std::uint64_t{bits_of(flag(bytes[1]))} << lane_step |
+           std::uint64_t{bits_of(flag(bytes[2]))} << 2 * lane_step |
+           std::uint64_t{bits_of(flag(bytes[3]))} << 3 * lane_step;
+}
+
+template <class Flag>
+bool any_of(const window_bytes &bytes, Flag flag) {
+    return any(flag(bytes[0]) | flag(bytes[1]) | flag(bytes[2]) | flag(bytes[3]));
+}
+
+// Copies windows as long as they hold nothing else.
 template <ascii_run Run>
-void copy_run(byte_pass &pass) {
-    bool is_long = false;
-    while (left(pass) >= lane_step && room(pass) >= lane_step) {
-        const signed_bytes bytes = load_bytes(pass.from);
-        std::memcpy(pass.to, &bytes, sizeof bytes);
-        const signed_bytes others = others_among<Run>(bytes);
-        if (any(others)) {
-            const std::size_t prefix = bytes_before(others);
-            pass.from += prefix;
-            pass.to += prefix;
+void copy_windows(byte_pass &pass) {
+    while (left(pass) >= window && room(pass) >= window) {
+        const window_bytes seen = load_window(pass.from);
+        if (any_of(seen, others_among<Run>))
             return;
-        }
-        pass.from += lane_step;
-        pass.to += lane_step;
-        if (is_long)
-            copy_long_run<Run>(pass);
-        is_long = true;
+        store_window(pass.to, seen);
+        pass.from += window;
+        pass.to += window;
     }
-    while (left(pass) && room(pass) && belongs_to<Run>(*pass.from))
-        *pass.to++ = *pass.from++;
 }
 
 } // namespace zel

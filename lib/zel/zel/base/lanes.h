@@ -1,5 +1,5 @@
 // Sixteen bytes a step in the vector types of the compilers: SSE2 on x86-64, NEON, or plain words where there
-// is neither. A comparison gives flags: all bits of a byte set, or none.
+// is neither. A comparison gives flags: what counts of each byte is the highest bit.
 
 #pragma once
 
@@ -31,7 +31,7 @@ inline void store_bytes(void *to, signed_bytes bytes) {
 }
 
 inline signed_bytes is_high(signed_bytes bytes) {
-    return bytes < 0;
+    return bytes;
 }
 
 inline signed_bytes is_byte(signed_bytes bytes, unsigned char value) {
@@ -43,12 +43,17 @@ inline signed_bytes is_between(signed_bytes bytes, unsigned char first, unsigned
     return reinterpret_cast<signed_bytes>(above <= static_cast<unsigned char>(last - first));
 }
 
+// A byte of UTF-8 that goes on with a character.
+inline signed_bytes is_tail(signed_bytes bytes) {
+    return bytes < -0x40;
+}
+
 constexpr bool is_little_endian = std::endian::native == std::endian::little;
 
 // A bit for each byte, that of the first byte lowest. A multiplication moves eight of them side by side.
 inline unsigned gathered_bits(signed_bytes flags) {
     constexpr std::uint64_t gather = is_little_endian ? 0x0102040810204080 : 0x8040201008040201;
-    const flag_words single = reinterpret_cast<flag_words>(flags) & 0x0101010101010101;
+    const flag_words single = reinterpret_cast<flag_words>(flags) >> 7 & 0x0101010101010101;
     return static_cast<unsigned>(single[0] * gather >> 56 | single[1] * gather >> 56 << 8);
 }
 

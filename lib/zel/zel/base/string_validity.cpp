@@ -7,8 +7,8 @@
 #include "zel/base/string_validity.h"
 
 #include "zel.h"
+#include "zel/base/byte_block.h"
 #include "zel/base/charset_names.h"
-#include "zel/base/lanes.h"
 
 #include <algorithm>
 #include <bit>
@@ -42,26 +42,6 @@ const double_byte_family *family_of(const char *charset) {
     if (same_name(charset, ianaSHIFTJIS))
         return &shift_jis;
     return same_name(charset, ianaBIG5) ? &big5 : nullptr;
-}
-
-using bit_per_byte = std::uint64_t;
-constexpr std::size_t block_size = 64;
-
-struct byte_block {
-    signed_bytes steps[block_size / lane_step];
-};
-
-byte_block load_block(const char *from) {
-    return {load_bytes(from), load_bytes(from + lane_step), load_bytes(from + 2 * lane_step),
-            load_bytes(from + 3 * lane_step)};
-}
-
-template <class Question>
-bit_per_byte ask(const byte_block &block, Question question) {
-    bit_per_byte answers = 0;
-    for (std::size_t step = 0; step < std::size(block.steps); ++step)
-        answers |= bit_per_byte{bits_of(question(block.steps[step]))} << step * lane_step;
-    return answers;
 }
 
 bool has_high_bit(char byte) {
@@ -112,9 +92,7 @@ void repair(const double_byte_family &family, char *text, std::size_t len) {
     bool lead_before = false;
     for (; len >= block_size; text += block_size, len -= block_size)
         lead_before = repair_block(family, load_block(text), text, lead_before);
-    char last[block_size] = {};
-    std::copy_n(text, len, last);
-    repair_block(family, load_block(last), text, lead_before);
+    repair_block(family, load_rest({text, len}), text, lead_before);
 }
 
 } // namespace

@@ -1,9 +1,11 @@
 #include "zel/base/transfer_encoding.h"
 
 #include "zel.h"
+#include "zel/base/byte_block.h"
 #include "zel/base/input.h"
 
 #include <array>
+#include <bit>
 
 namespace zel {
 namespace {
@@ -177,14 +179,99 @@ char *encode_base64(base64_cursors at, const char *end) {
     return at.from == end ? at.to : encodeChunk({at.from, end}, at.to);
 }
 
+constexpr unsigned char byte_of(char character) {
+    return static_cast<unsigned char>(character);
+}
+
 constexpr auto base64_values = [] {
     std::array<unsigned char, 256> values = {}; // what is not in the alphabet counts as 0 and takes its place
     for (unsigned value = 0; value < basis_64.size(); ++value)
-        values[static_cast<unsigned char>(basis_64[value])] = static_cast<unsigned char>(value);
+        values[byte_of(basis_64[value])] = static_cast<unsigned char>(value);
     return values;
 }();
 
 static_assert(base64_values['A'] == 0 && base64_values['/'] == 63 && base64_values['='] == 0);
+
+constexpr std::size_t group_characters = 4;
+
+std::uint32_t bits_of_group(const char *characters) {
+    const auto value = [=](int place) { return std::uint32_t{base64_values[byte_of(characters[place])]}; };
+    return value(0) << 18 | value(1) << 12 | value(2) << 6 | value(3);
+}
+
+void store_group(std::uint32_t bits, char *to) {
+    to[0] = static_cast<char>(bits >> 16);
+    to[1] = static_cast<char>(bits >> 8);
+    to[2] = static_cast<char>(bits);
+}
+
+constexpr bool holds_zero(std::uint32_t bits) {
+    return ((bits - 0x010101) & ~bits & 0x808080) != 0;
+}
+
+constexpr auto hex_values = [] {
+    std::array<unsigned char, 256> values = {}; // what is not a hex digit counts as 0
+    for (unsigned value = 0; value < values.size(); ++value)
+        values[value] = static_cast<unsigned char>(std::max(hex_value(static_cast<unsigned char>(value)), 0));
+    return values;
+}();
+
+static_assert(hex_values['9'] == 9 && hex_values['f'] == 15 && hex_values['F'] == 15 && hex_values['G'] == 0);
+
+static_assert(decoding_slack >= lane_step);
+
+constexpr std::size_t two_digits = 2;
+constexpr bit_per_byte triple_bits = 7;
+
+// What is in it behind the block may be loaded, but plays no part.
+using padded_block = std::array<char, block_size + decoding_slack>;
+
+bit_per_byte escapes_in(const padded_block &block, std::size_t length) {
+    return places_of('=', load_block(block.data())) & ~bit_per_byte{} >> (block_size - length);
+}
+
+// Whole steps, the last of which may go on behind the text.
+char *store_literals(const char *from, std::size_t length, char *to) {
+    std::size_t at = 0;
+    do {
+        signed_bytes step = load_bytes(from + at);
+        step ^= is_byte(step, '_') & ('_' ^ ' ');
+        std::memcpy(to + at, &step, sizeof step);
+        at += lane_step;
+    } while (at < length);
+    return to + length;
+}
+
+char hex_byte(const char *digits) {
+    return static_cast<char>(hex_values[byte_of(digits[0])] << 4 | hex_values[byte_of(digits[1])]);
+}
+
+// Two characters follow the block, so that each "=" in it has its digits, which are taken with it. A zero
+// byte leaves no more to take.
+char *decode_block(std::string_view &from, char *to) {
+    const std::size_t length = std::min(from.size() - two_digits, block_size);
+    padded_block block;
+    std::memcpy(block.data(), from.data(), length + two_digits);
+    std::size_t at = 0;
+    for (bit_per_byte escapes = escapes_in(block, length); escapes != 0;) {
+        const auto escape = static_cast<std::size_t>(std::countr_zero(escapes));
+        to = store_literals(&block[at], escape - at, to);
+        *to = hex_byte(&block[escape + 1]);
+        if (*to == '\0') {
+            from = {};
+            return to;
+        }
+        ++to;
+        at = escape + 1 + two_digits;
+        escapes &= ~(triple_bits << escape);
+    }
+    if (at < length) {
+        to = store_literals(&block[at], length - at, to);
+        at = length;
+    }
+    from.remove_prefix(at);
+    return to;
+}
 
 } // namespace
 
@@ -213,16 +300,14 @@ bool put_base64(output &to, std::string_view from) {
 // Groups go on behind a padded group, and up to three characters left over at the end give nothing.
 std::size_t decode_b(std::string_view from, char *to) {
     char *const start = to;
-    for (; from.size() >= 4; from.remove_prefix(4)) {
-        unsigned bits = 0;
-        for (std::size_t i = 0; i < 4; ++i)
-            bits = bits << 6 | base64_values[static_cast<unsigned char>(from[i])];
-        *to++ = static_cast<char>(bits >> 16);
-        if (from[2] == '=')
-            continue;
-        *to++ = static_cast<char>(bits >> 8);
-        if (from[3] != '=')
-            *to++ = static_cast<char>(bits);
+    for (; from.size() >= group_characters; from.remove_prefix(group_characters)) {
+        const std::uint32_t bits = bits_of_group(from.data());
+        const std::size_t bytes = from[2] == '=' ? 1 : from[3] == '=' ? 2 : 3;
+        store_group(bits, to);
+        const std::size_t text = holds_zero(bits) ? strnlen(to, bytes) : bytes;
+        to += text;
+        if (text < bytes)
+            break;
     }
     return static_cast<std::size_t>(to - start);
 }
@@ -231,20 +316,11 @@ std::size_t decode_b(std::string_view from, char *to) {
 // "=", what is not a hex digit counts as 0.
 std::size_t decode_q(std::string_view from, char *to) {
     char *const start = to;
-    while (!from.empty()) {
-        if (from.front() != '=') {
-            *to++ = from.front() == '_' ? ' ' : from.front();
-            from.remove_prefix(1);
-        } else if (from.size() < 3) {
-            to = std::copy(from.begin(), from.end(), to);
-            from = {};
-        } else {
-            const int high = std::max(hex_value(static_cast<unsigned char>(from[1])), 0);
-            const int low = std::max(hex_value(static_cast<unsigned char>(from[2])), 0);
-            *to++ = static_cast<char>(high << 4 | low);
-            from.remove_prefix(3);
-        }
-    }
+    while (from.size() > two_digits)
+        to = decode_block(from, to);
+    for (; !from.empty() && from.front() != '='; from.remove_prefix(1))
+        *to++ = from.front() == '_' ? ' ' : from.front();
+    to = std::copy(from.begin(), from.end(), to);
     return static_cast<std::size_t>(to - start);
 }
 

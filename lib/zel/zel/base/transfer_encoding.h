@@ -25,8 +25,11 @@ constexpr std::uint64_t base64_size(std::uint64_t bytes) {
 // One unbroken Base64 text, written whole or not at all.
 bool put_base64(output &to, std::string_view from);
 
-// Decode the encoded text of a word into to, which has room for as many bytes as from has. Both give the
-// number of bytes. Broken text never fails: see the rules beside the code.
+inline constexpr std::size_t decoding_slack = 16;
+
+// Decode the encoded text of a word into to, which has room for as many bytes as from has and for the slack,
+// as they write by wide steps. Both give the number of bytes, up to a zero byte, which ends the text of a
+// word. Broken text never fails: see the rules beside the code.
 std::size_t decode_b(std::string_view from, char *to);
 std::size_t decode_q(std::string_view from, char *to);
 

@@ -77,14 +77,14 @@ charset_code code_of(const probe &to, UChar character) {
     UErrorCode status = U_ZERO_ERROR;
     const std::int32_t length = ucnv_fromUChars(to.cnv.get(), bytes, longest_probe, &character, 1, &status);
     std::string_view code(bytes, U_SUCCESS(status) ? static_cast<std::size_t>(length) : 0);
-    if (code.size() == 1)
-        return static_cast<unsigned char>(code[0]);
+    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(code[i]); };
+    if (code.size() == 1 && (character < 0x80 || to.before.empty()))
+        return {0, byte(0)};
     if (code.size() != to.before.size() + 2 + to.behind.size() ||
         code.substr(0, to.before.size()) != to.before)
-        return 0;
+        return {};
     code.remove_prefix(to.before.size());
-    return static_cast<charset_code>(static_cast<unsigned char>(code[0]) << 8 |
-                                     static_cast<unsigned char>(code[1]));
+    return {byte(0), byte(1)};
 }
 
 utf8_character in_utf8(UChar character) {
@@ -130,7 +130,7 @@ void take_codes(code_table &table, const probe &to) {
 
 bool keeps(const code_table &table, unsigned char byte) {
     const utf8_character &single = table.singles[byte];
-    return single.length == 1 && single.bytes[0] == byte && table.codes[byte] == byte;
+    return single.length == 1 && single.bytes[0] == byte && table.codes[byte] == charset_code{0, byte};
 }
 
 // A NUL stands for itself in every charset that all other ASCII does.
@@ -153,7 +153,8 @@ owned_code_table build_code_table(const char *charset) {
     take_bytes(*table, asked);
     take_codes(*table, asked);
     table->keeps_ascii = keeps_ascii(*table, 0x01, 0x7F);
-    return keeps_ascii(*table, ' ', '~') ? std::move(table) : nullptr;
+    const bool keeps_text = keeps_ascii(*table, 0x01, 0x0D) && keeps_ascii(*table, ' ', '~');
+    return keeps_text ? std::move(table) : nullptr;
 }
 
 } // namespace zel

@@ -18,8 +18,9 @@ struct utf8_character {
     unsigned char length; // 0: undecided
 };
 
-// A character in the charset: one byte as it is, two as a number with the lead byte high. 0: undecided.
-using charset_code = std::uint16_t;
+// A character in the charset, as it stands in the text: a pair, or one byte behind a 0. Two of them:
+// undecided.
+using charset_code = std::array<unsigned char, 2>;
 
 constexpr unsigned char first_lead_byte = 0x80;
 

@@ -70,7 +70,7 @@ ascii_identity kept_ascii(UConverter *from_cnv, UConverter *to_cnv) {
     ascii_identity kept;
     for (unsigned value = 0; value < kept.size(); ++value) {
         kept[value] = keeps(from_cnv, to_cnv, static_cast<char>(value));
-        if (belongs_to<ascii_run::printable>(static_cast<unsigned char>(value)) && !kept[value])
+        if (belongs_to<ascii_run::text>(static_cast<unsigned char>(value)) && !kept[value])
             return {};
     }
     return kept;

@@ -8,6 +8,7 @@
 #include "conv.h"
 #include "conv_ja.h"
 #include "zel.h"
+#include "zel/base/byte_block.h"
 #include "zel/base/charset_names.h"
 #include "zel/base/frame.h"
 #include "zel/base/input.h"
@@ -19,12 +20,14 @@
 #include "zel/policy/charset_policy.h"
 #include "zel/policy/languages.h"
 
+#include <bit>
+
 namespace zel {
 namespace {
 
 constexpr std::size_t longest_charset = 32;
 constexpr std::size_t longest_language = 10;
-constexpr std::size_t stack_scratch = 1024;
+constexpr std::size_t stack_scratch = 1023 + decoding_slack;
 
 bool is_blank(char character) {
     return character == ' ' || character == '\t';
@@ -34,6 +37,10 @@ bool is_fold(const char *at) {
     return at[0] == '\r' && at[1] == '\n' && is_blank(at[2]);
 }
 
+bool opens_word(const char *at) {
+    return at[0] == '=' && at[1] == '?';
+}
+
 char *move_down(char *to, const char *from, const char *end) {
     const auto length = static_cast<std::size_t>(end - from);
     if (to != from)
@@ -41,50 +48,82 @@ char *move_down(char *to, const char *from, const char *end) {
     return to + length;
 }
 
-// Takes the folds out, in place. A fold that an encoded word follows goes whole; any other leaves its blanks.
-void unfold(char *text) {
+const char *skip_blanks(const char *at) {
+    while (is_blank(*at))
+        ++at;
+    return at;
+}
+
+// Where a text has a CR, found a block ahead of what is changed.
+struct return_search {
+    std::string_view rest; // from the block on
+    bit_per_byte places;   // of those in the block that were not given yet
+};
+
+bit_per_byte returns_in(std::string_view text) {
+    return places_of('\r', text.size() < block_size ? load_rest(text) : load_block(text.data()));
+}
+
+// Null where there is no other.
+const char *next_return(return_search &search) {
+    while (search.places == 0) {
+        if (search.rest.size() <= block_size)
+            return nullptr;
+        search.rest.remove_prefix(block_size);
+        search.places = returns_in(search.rest);
+    }
+    const char *at = search.rest.data() + std::countr_zero(search.places);
+    search.places &= search.places - 1;
+    return at;
+}
+
+// Takes the folds out, in place, and gives what is left. A fold that an encoded word follows goes whole; any
+// other leaves its blanks.
+std::string_view unfold(char *text) {
+    const std::string_view value = text;
     char *to = text;
     const char *from = text; // what stands from here on is not moved yet
-    for (const char *at = std::strchr(text, '\r'); at; at = std::strchr(at, '\r')) {
-        if (!is_fold(at)) {
-            ++at;
+    return_search search = {value, returns_in(value)};
+    while (const char *at = next_return(search)) {
+        if (!is_fold(at))
             continue;
-        }
         to = move_down(to, from, at);
         from = at + 2;
-        at = from + std::strspn(from, " \t");
-        if (at[0] == '=' && at[1] == '?')
-            from = at;
+        const char *text_behind = skip_blanks(from);
+        if (opens_word(text_behind))
+            from = text_behind;
     }
-    move_down(to, from, from + std::strlen(from) + 1);
+    to = move_down(to, from, value.data() + value.size() + 1);
+    return {text, static_cast<std::size_t>(to - text) - 1};
 }
 
 struct encoded_word {
-    char charset[longest_charset + 1];
+    std::string_view charset;
     char encoding;
     std::string_view raw; // its text, still encoded
 };
 
 // Takes the characters up to a "?" or, within the charset, a "*"; false where there is none or the field is
 // too long.
-bool take_field(std::string_view &from, std::string_view ends, std::size_t longest, std::string_view &field) {
-    const std::size_t length = from.substr(0, longest + 1).find_first_of(ends);
-    if (length == std::string_view::npos)
-        return false;
+bool take_field(std::string_view &from, char other_end, std::size_t longest, std::string_view &field) {
+    const std::size_t limit = std::min(from.size(), longest + 1);
+    std::size_t length = 0;
+    while (length < limit && from[length] != '?' && from[length] != other_end)
+        ++length;
     field = from.substr(0, length);
     from.remove_prefix(length);
-    return true;
+    return length < limit;
 }
 
 // Takes a whole word from the text, or nothing.
 bool take_word(std::string_view &text, std::size_t longest_raw, encoded_word &word) {
     std::string_view from = text.substr(2);
-    std::string_view charset, language;
-    if (!take_field(from, "?*", longest_charset, charset))
+    std::string_view language;
+    if (!take_field(from, '*', longest_charset, word.charset))
         return false;
     if (from.front() == '*') {
         from.remove_prefix(1);
-        if (!take_field(from, "?", longest_language, language))
+        if (!take_field(from, '?', longest_language, language))
             return false;
     }
     if (from.size() < 3 || from[2] != '?')
@@ -95,7 +134,6 @@ bool take_word(std::string_view &text, std::size_t longest_raw, encoded_word &wo
     if (length == std::string_view::npos || length > longest_raw)
         return false;
     word.raw = from.substr(0, length);
-    *std::copy(charset.begin(), charset.end(), word.charset) = '\0';
     text = from.substr(length + 2);
     return true;
 }
@@ -112,7 +150,7 @@ struct piece {
 // The tail, though it be empty, comes last, unless a rest that does not parse ends the value before it.
 piece take_piece(std::string_view &rest, std::size_t longest_raw) {
     piece taken = {piece::kind::tail, rest, {}};
-    const std::size_t plain = rest.find("=?");
+    const std::size_t plain = rest.starts_with("=?") ? 0 : rest.find("=?");
     if (plain == std::string_view::npos) {
         rest = {};
     } else if (plain > 0) {
@@ -154,35 +192,58 @@ constexpr direct_route jis_routes[] = {
     {ianaISO2022JP, ianaSHIFTJIS, convert_jis_to_sjis},
 };
 
-bool is_one_of(char character, std::string_view set) {
-    return set.find(character) != std::string_view::npos;
-}
-
-word_road choose_road(const header_pass &pass, const encoded_word &word) {
-    if (!pass.decoded || !is_known_charset(pass.language, word.charset) || !is_one_of(word.encoding, "BbQq"))
+word_road choose_road(const header_pass &pass, const char *charset) {
+    if (!pass.decoded || !is_known_charset(pass.language, charset))
         return {road::raw, {}, nullptr};
-    if (same_name(word.charset, pass.to_charset))
+    if (same_name(charset, pass.to_charset))
         return {road::copy, {}, nullptr};
-    const charset_pair pair = look_up(word.charset, pass.to_charset);
+    charset_pair pair = look_up(charset, pass.to_charset);
     if (!is_known(pair))
         return {road::raw, {}, nullptr};
-    const direct_route *direct = find_route(jis_routes, word.charset, pass.to_charset);
+    if (!pair.cached) // the question may have brought it into the cache
+        pair = look_up(charset, pass.to_charset);
+    const direct_route *direct = find_route(jis_routes, charset, pass.to_charset);
     return {direct ? road::direct : road::by_pair, pair, direct};
 }
 
-// Up to the first zero byte.
+// The charset of the last word, which is as a rule that of the next one too, and the road from it.
+struct known_charset {
+    char buf[longest_charset + 1];
+    std::string_view name;
+    word_road chosen;
+};
+
+void learn(const header_pass &pass, std::string_view charset, known_charset &last) {
+    *std::copy(charset.begin(), charset.end(), last.buf) = '\0';
+    last.name = {last.buf, charset.size()};
+    last.chosen = choose_road(pass, last.buf);
+}
+
+constexpr char lower(char encoding) {
+    return static_cast<char>(encoding | 0x20);
+}
+
+const word_road &road_of(const header_pass &pass, const encoded_word &word, known_charset &last) {
+    static constexpr word_road undecoded = {road::raw, {}, nullptr};
+    if (lower(word.encoding) != 'b' && lower(word.encoding) != 'q')
+        return undecoded;
+    if (!last.name.data() || word.charset != last.name)
+        learn(pass, word.charset, last);
+    return last.chosen;
+}
+
 std::string_view decode(const header_pass &pass, const encoded_word &word) {
     const std::size_t length =
-        is_one_of(word.encoding, "Bb") ? decode_b(word.raw, pass.decoded) : decode_q(word.raw, pass.decoded);
-    return {pass.decoded, strnlen(pass.decoded, length)};
+        lower(word.encoding) == 'b' ? decode_b(word.raw, pass.decoded) : decode_q(word.raw, pass.decoded);
+    return {pass.decoded, length};
 }
 
 input bytes_of(std::string_view text) {
     return input_from(text.data(), saturate(text.size()));
 }
 
-bool put_word(const header_pass &pass, const encoded_word &word, output &to) {
-    const word_road chosen = choose_road(pass, word);
+bool put_word(const header_pass &pass, const encoded_word &word, known_charset &last, output &to) {
+    const word_road &chosen = road_of(pass, word, last);
     if (chosen.how == road::raw)
         return put(to, word.raw);
     const std::string_view decoded = decode(pass, word);
@@ -200,23 +261,30 @@ bool is_japanese(const char *language) {
     return language && std::strncmp(language, "ja", 2) == 0;
 }
 
+bool is_high(char byte) {
+    return (byte & 0x80) != 0;
+}
+
+void put_plain_tail(std::string_view tail, output &to) {
+    const std::size_t before = to.length;
+    put_some(to, tail);
+    if (to.start && !passes_8bit())
+        std::replace_if(to.start + before, to.start + to.length, is_high, '?');
+}
+
 // Raw JIS is what Japanese mailers once wrote; no other language has a charset for raw bytes.
 void put_tail(const header_pass &pass, std::string_view tail, output &to) {
-    if (!pass.japanese) {
-        for (const char byte : tail)
-            if (!put(to, static_cast<unsigned char>((byte & 0x80) && !passes_8bit() ? '?' : byte)))
-                return;
-        return;
-    }
-    if (const direct_route *direct = find_route(jis_routes, ianaISO2022JP, pass.to_charset))
+    if (!pass.japanese)
+        put_plain_tail(tail, to);
+    else if (const direct_route *direct = find_route(jis_routes, ianaISO2022JP, pass.to_charset))
         direct->convert(bytes_of(tail), to);
     else
         put_some_converted(to, look_up(ianaISO2022JP, pass.to_charset), tail);
 }
 
-bool put_piece(const header_pass &pass, const piece &taken, output &to) {
+bool put_piece(const header_pass &pass, const piece &taken, known_charset &last, output &to) {
     if (taken.what == piece::kind::word)
-        return put_word(pass, taken.word, to);
+        return put_word(pass, taken.word, last, to);
     if (taken.what == piece::kind::tail)
         put_tail(pass, taken.text, to);
     else if (!put_some(to, taken.text))
@@ -226,14 +294,15 @@ bool put_piece(const header_pass &pass, const piece &taken, output &to) {
 
 void put_value(const header_pass &pass, output &to) {
     std::string_view rest = pass.text;
-    while (put_piece(pass, take_piece(rest, pass.longest_raw), to))
+    known_charset last = {};
+    while (put_piece(pass, take_piece(rest, pass.longest_raw), last, to))
         ;
 }
 
-std::uint64_t documented_size(const header_pass &pass, const piece &taken) {
+std::uint64_t documented_size(const header_pass &pass, const piece &taken, known_charset &last) {
     if (taken.what != piece::kind::word)
         return taken.text.size();
-    const word_road chosen = choose_road(pass, taken.word);
+    const word_road &chosen = road_of(pass, taken.word, last);
     if (chosen.how == road::raw)
         return taken.word.raw.size();
     const std::size_t decoded = decode(pass, taken.word).size();
@@ -264,8 +333,7 @@ std::uint64_t real_need(header_pass pass, std::int32_t from_len) {
     const heap_string unfolded(duplicate(pass.text.data()));
     if (!unfolded)
         return 0;
-    unfold(unfolded.get());
-    pass.text = unfolded.get();
+    pass.text = unfold(unfolded.get());
     pass.longest_raw = from_len < 0 ? pass.text.size() : pass.longest_raw;
     output counted = counting_output();
     put_value(pass, counted);
@@ -276,9 +344,10 @@ std::int32_t estimate(const header_pass &pass, std::int32_t from_len) {
     std::uint64_t documented = 0;
     bool needs_more = false;
     std::string_view rest = pass.text;
+    known_charset last = {};
     for (bool ended = false; !ended;) {
         const piece taken = take_piece(rest, pass.longest_raw);
-        documented += documented_size(pass, taken);
+        documented += documented_size(pass, taken, last);
         needs_more = needs_more || may_need_more(pass, taken);
         ended = ends_value(taken);
     }
@@ -293,11 +362,9 @@ using namespace zel;
 int32_t ZEL_InternetMessageHeaderToLocalLen(const char *language, char *text, int32_t from_len,
                                             const char *to_charset, char *to_buf, int32_t to_size) {
     require_started();
-    if (to_size >= 0)
-        unfold(text);
-    const std::string_view value = text;
+    const std::string_view value = to_size >= 0 ? unfold(text) : text;
     const std::size_t longest_raw = from_len < 0 ? value.size() : static_cast<std::size_t>(from_len);
-    const std::size_t scratch_size = std::min(longest_raw, value.size()) + 1;
+    const std::size_t scratch_size = std::min(longest_raw, value.size()) + decoding_slack;
     char on_stack[stack_scratch];
     const heap_string on_heap = scratch_size > stack_scratch ? allocate<char>(scratch_size) : nullptr;
     const header_pass pass = {checkLanguage(language),

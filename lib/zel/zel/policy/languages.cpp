@@ -104,12 +104,29 @@ consteval auto list_of_languages() {
 constexpr auto available_languages = list_of_languages();
 static_assert(available_languages.size() == 154 + 1);
 
+// A place for the first two letters of a tag, in either case.
+constexpr std::size_t places = std::size_t{32} * 32;
+
+constexpr std::size_t place_of(const char *tag) {
+    return tag[0] ? (static_cast<std::size_t>(tag[0]) & 31) << 5 | (static_cast<std::size_t>(tag[1]) & 31)
+                  : std::size_t{0};
+}
+
+// The first row at each place, which spares nearly all comparisons of tags.
+constexpr auto first_rows = [] {
+    std::array<std::uint8_t, places> rows;
+    rows.fill(static_cast<std::uint8_t>(langtbl.size()));
+    for (std::size_t row = langtbl.size(); row-- > 0;)
+        rows[place_of(langtbl[row].tag)] = static_cast<std::uint8_t>(row);
+    return rows;
+}();
+
 LanguageID find_tag(const char *language) {
     if (!language)
         return no_language;
-    for (LanguageID id = 1; id <= last_language; ++id)
-        if (same_name(language, row_of(id).tag))
-            return id;
+    for (std::size_t row = first_rows[place_of(language)]; row < langtbl.size(); ++row)
+        if (same_name(language, langtbl[row].tag))
+            return static_cast<LanguageID>(row) + 1;
     return no_language;
 }
 
