@@ -1,6 +1,6 @@
 // The eight direct converters on exact-size heap blocks: what each byte becomes, every size of the output,
-// every input of two bytes in every mode, and whole character sets beside the system's iconv. None needs a
-// started library.
+// every input of two bytes in every mode, runs of all lengths by steps and by bytes, and whole character sets
+// beside the system's iconv. None needs a started library.
 
 #include "neighbour.h"
 #include "support.h"
@@ -10,6 +10,7 @@
 
 namespace {
 
+using namespace std::string_literals;
 using converter = std::int32_t (*)(const char *, std::int32_t, char *, std::int32_t);
 constexpr std::int32_t ample = 1000;
 
@@ -126,6 +127,84 @@ TEST(DirectConverters, a_full_buffer_ends_the_text_behind_a_unit) {
             for (const std::size_t end : row.ends)
                 last = static_cast<std::int32_t>(end) < size ? end : last;
             EXPECT_EQ(converted(row.convert, row.in, size), whole.substr(0, last)) << size;
+        }
+    }
+}
+
+// A text of one charset: what stands around pairs, one of them, and what no run goes on with.
+struct script {
+    converter convert;
+    std::string opening, pair, closing, odd;
+};
+
+const std::vector<script> scripts = {
+    {eucjp2jis, "", "\xB0\xA1", "", "\x8E\xB1"},
+    {sjis2jis, "", "\x88\x9F", "", "\xB1"},
+    {jis2eucjp, "\x1B$B", "0!", "\x1B(J", "\x0E\x31\x0F"},
+    {jis2sjis, "\x1B$@", "0!", "\x1B(B", "\x1B(I1\x1B(B"},
+    {iso2022kr2euckr, "\x1B$)C\x0E", "0!", "\x0F", "\x0E 1!\x0F"},
+    {hz2gb, "~{", "0!", "~}", "~~"},
+    {big2gb, "", "\xB0\xE5", "", "\xA1 \x80"},
+    {gb2big5, "", "\xB9\xF5", "", "\xA1 \x80"},
+};
+
+// Neighbours differ, so that none can stand for the other.
+std::string runs_of(const script &of, std::size_t singles, std::size_t pairs) {
+    std::string text;
+    for (std::size_t i = 0; i < singles; ++i)
+        text += static_cast<char>('a' + i % 26);
+    text += of.opening;
+    for (std::size_t i = 0; i < pairs; ++i)
+        text += {of.pair[0], static_cast<char>(of.pair[1] + i % 7)};
+    return text + of.closing;
+}
+
+// A step wants more room than any result of these tests leaves, so that there is none.
+std::string converted_without_steps(converter convert, const std::string &in) {
+    const std::size_t length = converted(convert, in).size();
+    EXPECT_LT(length, 130U);
+    return converted(convert, in, static_cast<std::int32_t>(length + 1));
+}
+
+TEST(DirectConverters, runs_of_any_length_become_the_same_by_steps_and_by_bytes) {
+    for (const script &of : scripts)
+        for (std::size_t singles = 0; singles < 70; ++singles)
+            for (std::size_t pairs = 0; pairs < 26; ++pairs)
+                for (const std::string &end : {""s, of.odd + "z"}) {
+                    const std::string text = runs_of(of, singles, pairs) + end;
+                    ASSERT_EQ(converted(of.convert, text), converted_without_steps(of.convert, text))
+                        << testing::PrintToString(text);
+                }
+}
+
+TEST(DirectConverters, a_long_text_becomes_what_its_parts_become) {
+    for (const script &of : scripts) {
+        std::string text, whole;
+        for (std::size_t part = 0; whole.size() < 5000; ++part) {
+            const std::string runs =
+                runs_of(of, part % 23 + 1, part % 37) + (part % 5 ? " " : of.odd + "\r\n");
+            for (std::size_t cut = part % 50 ? runs.size() : 0; cut <= runs.size(); ++cut) {
+                const std::string in = runs.substr(0, cut);
+                ASSERT_EQ(converted(of.convert, text + in, 10000),
+                          whole + converted_without_steps(of.convert, in))
+                    << testing::PrintToString(in) << " behind " << text.size();
+            }
+            text += runs;
+            whole += converted_without_steps(of.convert, runs);
+        }
+    }
+}
+
+TEST(DirectConverters, a_long_text_fills_a_buffer_of_any_size) {
+    for (const script &of : scripts) {
+        std::string text;
+        for (std::size_t part = 0; part < 12; ++part)
+            text += runs_of(of, 3 * part, part) + " ";
+        const std::string whole = converted(of.convert, text);
+        for (std::size_t size = 1; size <= whole.size() + 1; ++size) {
+            const std::string part = converted(of.convert, text, static_cast<std::int32_t>(size));
+            ASSERT_EQ(part, whole.substr(0, part.size()));
+            ASSERT_GE(part.size() + 3, std::min(size, whole.size() + 3)); // a unit has three bytes at most
         }
     }
 }

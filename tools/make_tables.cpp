@@ -210,6 +210,7 @@ struct layout {
     std::size_t columns; // of a row, which is what one lead has
     std::size_t cells;
     std::size_t (*column_of)(code trail);
+    const char *rows; // what the library spreads it into
 };
 
 constexpr layout big5_layout = {
@@ -219,6 +220,7 @@ constexpr layout big5_layout = {
     158,
     14060,
     [](code trail) -> std::size_t { return trail <= 0x7E ? trail - 0x40 : trail - 0x62; },
+    "gb_of_big5 = map_of(B2G, big5_index)",
 };
 
 constexpr layout gb_layout = {
@@ -228,6 +230,7 @@ constexpr layout gb_layout = {
     94,
     8178,
     [](code trail) -> std::size_t { return trail - 0xA1; },
+    "big5_of_gb = map_of(G2B, gb_index)",
 };
 
 std::vector<code> fill(const layout &form, const code_map &map) {
@@ -249,8 +252,9 @@ void write_cell(std::ostream &text, code cell) {
 std::string source_text(const layout &form, const code_map &map) {
     std::ostringstream text;
     text << "// " << form.purpose << "\n// A cell of zeros is a character without counterpart.\n//\n"
-         << "// Made by tools/make_tables.cpp; script/tables makes it anew.\n\n#include \"zel.h\"\n\n"
-         << "// clang-format off\nconst unsigned char " << form.name << "[" << form.cells << "][2] = {"
+         << "// Made by tools/make_tables.cpp; script/tables makes it anew.\n\n"
+         << "#include \"cell_map.h\"\n#include \"zel.h\"\n\n"
+         << "// clang-format off\nconstexpr unsigned char " << form.name << "[" << form.cells << "][2] = {"
          << std::hex << std::uppercase;
     const std::vector<code> cells = fill(form, map);
     for (std::size_t i = 0; i < cells.size(); ++i) {
@@ -261,7 +265,7 @@ std::string source_text(const layout &form, const code_map &map) {
             text << "\n    ";
         write_cell(text, cells[i]);
     }
-    text << "\n};\n// clang-format on\n";
+    text << "\n};\n// clang-format on\n\nconstinit const zel::cell_map zel::" << form.rows << ";\n";
     return text.str();
 }
 

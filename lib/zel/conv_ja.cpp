@@ -1,15 +1,15 @@
-// Japanese text byte by byte. The two encoders share the change between single bytes and double-byte runs,
-// the two decoders the reading of modes; each of the four then only says how one character is written.
+// Japanese text. The two encoders share the change between single bytes and double-byte runs, the two
+// decoders the reading of modes; each of the four then only says how a character is written, and how a lane
+// of pairs.
 //
 // Invariant: what decides how the next byte is read lives on the stack of one call.
 
 #include "conv_ja.h"
 
 #include "conv.h"
+#include "conv_runs.h"
 #include "zel.h"
 #include "zel/base/frame.h"
-
-#include <iterator>
 
 // clang-format off
 const unsigned char KanaTbl[63][3] = {
@@ -38,128 +38,156 @@ constexpr unsigned char SI = 0x0F;
 constexpr unsigned char DEL = 0x7F;
 constexpr unsigned char eucjp_kana_prefix = 0x8E;
 
-struct jis_output {
-    output &to;
-    bool kanji = false;
-};
+constexpr std::string_view enter_kanji = "\x1B$B";
+constexpr std::string_view leave_kanji = "\x1B(B";
 
-bool enter_kanji(jis_output &jis) {
-    if (jis.kanji)
-        return true;
-    jis.kanji = true;
-    return put(jis.to, "\x1B$B");
+// A value for one character, or for eight of them at once, where a condition holds, and 0 elsewhere.
+int where(bool holds, int value) {
+    return holds ? value : 0;
 }
 
-bool leave_kanji(jis_output &jis) {
-    if (!jis.kanji)
-        return true;
-    jis.kanji = false;
-    return put(jis.to, "\x1B(B");
+pair_words where(pair_words holds, int value) {
+    return holds & static_cast<std::int16_t>(value);
+}
+
+// A lead of Shift_JIS stands for two rows of JIS X 0208, an odd one and the even one behind it.
+template <class Number>
+number_pair<Number> jis_of_sjis(Number lead, Number trail) {
+    const Number odd_row = 2 * (lead - 0x71 - where(lead > 0x9F, 0x40)) + 1;
+    const Number place = trail - where(trail > 0x7F, 1); // 0x7F itself is no trail
+    return {odd_row + where(place >= 0x9E, 1), place - 0x1F - where(place >= 0x9E, 0x5E)};
+}
+
+template <class Number>
+number_pair<Number> sjis_of_jis(Number row, Number cell) {
+    const Number lead = (row + 2 * 0x81 - 0x21) >> 1;
+    const Number trail = cell + 0x7D - (row & 1) * 0x5E;
+    return {lead + where(lead > 0x9F, 0x40), trail + where(trail >= 0x7F, 1)};
+}
+
+bool put_numbers(output &to, number_pair<int> pair) {
+    return put_pair(to, static_cast<unsigned char>(pair.first), static_cast<unsigned char>(pair.second));
+}
+
+constexpr unsigned char first_kana = 0xA1;
+constexpr unsigned char last_kana = 0xDF;
+
+bool is_kana(unsigned char byte) {
+    return byte >= first_kana && byte <= last_kana;
 }
 
 const unsigned char *full_width(unsigned char kana) {
-    return &KanaTbl[kana - KanaTbl[0][0]][1];
-}
-
-bool put_eucjp_character(input &from, jis_output &jis) {
-    const unsigned char byte = take(from);
-    if (byte < 0x80)
-        return leave_kanji(jis) && put(jis.to, byte);
-    if (!enter_kanji(jis))
-        return false;
-    if (byte == eucjp_kana_prefix) {
-        const unsigned char kana = take(from);
-        return !is_hankakukana(kana) ||
-               (put(jis.to, full_width(kana)[0]) && put(jis.to, full_width(kana)[1]));
-    }
-    return put(jis.to, without_high_bit(byte)) && (ended(from) || put(jis.to, without_high_bit(take(from))));
+    return &KanaTbl[kana - first_kana][1];
 }
 
 bool is_sjis_lead(unsigned char byte) {
     return (byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xFC);
 }
 
-// A lead of Shift_JIS stands for two rows of JIS X 0208, an odd one and the even one behind it.
-bool put_sjis_pair_as_jis(output &to, unsigned char lead, unsigned char trail) {
-    const int odd_row = 2 * (lead - (lead > 0x9F ? 0xB1 : 0x71)) + 1;
-    const int place = trail > 0x7F ? trail - 1 : trail; // 0x7F itself is no trail
-    const bool even = place >= 0x9E;
-    return put_pair(to, static_cast<unsigned char>(even ? odd_row + 1 : odd_row),
-                    static_cast<unsigned char>(even ? place - 0x7D : place - 0x1F));
-}
+struct eucjp_to_jis {
+    static constexpr bool needs_trail = true;
 
-bool put_sjis_character(input &from, jis_output &jis) {
-    const unsigned char byte = take(from);
-    if (is_sjis_lead(byte))
-        return enter_kanji(jis) && put_sjis_pair_as_jis(jis.to, byte, take(from));
-    if (is_hankakukana(byte))
-        return enter_kanji(jis) && put_pair(jis.to, full_width(byte)[0], full_width(byte)[1]);
-    return leave_kanji(jis) && put(jis.to, byte);
-}
+    static signed_bytes are_leads(signed_bytes bytes) {
+        return is_high(bytes) & ~is_byte(bytes, eucjp_kana_prefix);
+    }
+    static bool is_regular(unsigned char byte) { return byte != eucjp_kana_prefix; }
 
-template <bool (&put_character)(input &, jis_output &)>
-void encode_jis(input from, output &to) {
-    jis_output jis = {to};
-    while (!ended(from))
-        if (!put_character(from, jis))
+    static void change_pairs(unsigned char *to, const unsigned char *from) {
+        store_bytes(to, load_bytes(from) & static_cast<signed char>(0x7F));
+    }
+
+    static bool put_kanji(input &from, output &to) {
+        const unsigned char byte = take(from);
+        if (byte != eucjp_kana_prefix)
+            return put(to, without_high_bit(byte)) && (ended(from) || put(to, without_high_bit(take(from))));
+        const unsigned char kana = take(from);
+        return !is_kana(kana) || (put(to, full_width(kana)[0]) && put(to, full_width(kana)[1]));
+    }
+
+    static bool is_kanji(unsigned char byte) { return byte >= 0x80; }
+};
+
+struct sjis_to_jis {
+    static constexpr bool needs_trail = false;
+
+    static signed_bytes are_leads(signed_bytes bytes) {
+        return is_between(bytes, 0x81, 0x9F) | is_between(bytes, 0xE0, 0xFC);
+    }
+    static bool is_regular(unsigned char byte) { return byte < 0x80 || is_sjis_lead(byte); }
+
+    static void change_pairs(unsigned char *to, const unsigned char *from) {
+        const auto [leads, trails] = pairs_of(load_bytes(from));
+        store_pairs(to, jis_of_sjis(leads, trails));
+    }
+
+    static bool put_kanji(input &from, output &to) {
+        const unsigned char byte = take(from);
+        if (is_sjis_lead(byte))
+            return put_numbers(to, jis_of_sjis<int>(byte, take(from)));
+        return put_pair(to, full_width(byte)[0], full_width(byte)[1]);
+    }
+
+    static bool is_kanji(unsigned char byte) { return is_sjis_lead(byte) || is_kana(byte); }
+};
+
+// Text on its way to ISO-2022-JP, which has a sequence at each change between ASCII and kanji.
+template <class Charset>
+struct text_to_jis {
+    bool kanji = false;
+
+    static constexpr bool needs_trail = Charset::needs_trail;
+
+    static signed_bytes ends_singles(signed_bytes bytes) { return is_high(bytes); }
+    static signed_bytes ends_pairs(signed_bytes bytes) { return ~Charset::are_leads(bytes); }
+    static bool takes_step(unsigned char byte) { return Charset::is_regular(byte); }
+
+    void change_set(bool to_kanji, byte_pass &pass) {
+        if (kanji == to_kanji)
             return;
-    leave_kanji(jis);
+        kanji = to_kanji;
+        std::memcpy(pass.to, (to_kanji ? enter_kanji : leave_kanji).data(), longest_escape);
+        pass.to += longest_escape;
+    }
+
+    void step(bit_per_byte singles, bit_per_byte pairs, byte_pass &pass) {
+        const std::size_t start = length_of_singles(singles);
+        if (start)
+            change_set(false, pass);
+        copy_singles(pass, start);
+        const std::size_t length = length_of_pairs(pairs, start);
+        if (length) {
+            change_set(true, pass);
+            copy_pairs(pass, length, Charset::change_pairs);
+        }
+    }
+
+    bool put_set(bool to_kanji, output &to) {
+        if (kanji == to_kanji)
+            return true;
+        kanji = to_kanji;
+        return put(to, to_kanji ? enter_kanji : leave_kanji);
+    }
+
+    bool take_unit(input &from, output &to) {
+        const bool is_kanji = Charset::is_kanji(peek(from));
+        if (!put_set(is_kanji, to))
+            return false;
+        return is_kanji ? Charset::put_kanji(from, to) : put(to, take(from));
+    }
+};
+
+template <class Charset>
+void convert_to_jis(input from, output &to) {
+    text_to_jis<Charset> text;
+    if (convert_by_steps(text, from, to))
+        text.put_set(false, to);
 }
 
 enum class mode { ASCII, KANJI, KANA };
 
-struct jis_input {
-    input from;
-    mode current = mode::ASCII;
-    mode saved = mode::ASCII;
-};
+struct to_eucjp {
+    static constexpr auto change_pairs = copy_with_high_bits;
 
-bool take_escape(jis_input &jis) {
-    const unsigned char type = peek(jis.from, 1);
-    const unsigned char set = peek(jis.from, 2);
-    if (type == '$' && (set == 'B' || set == '@'))
-        jis.current = mode::KANJI;
-    else if (type == '(' && set == 'I')
-        jis.current = mode::KANA;
-    else if (type == '(' && (set == 'B' || set == 'J'))
-        jis.current = mode::ASCII;
-    else
-        return false;
-    jis.from.at += 3;
-    return true;
-}
-
-void take_shift(jis_input &jis) {
-    if (take(jis.from) == SO) {
-        jis.saved = jis.current;
-        jis.current = mode::KANA;
-    } else {
-        jis.current = jis.saved;
-    }
-}
-
-// Lines stand alone, so a control ends a run that lost its closing escape sequence.
-void end_run(jis_input &jis) {
-    if (jis.current == mode::KANA)
-        jis.saved = mode::ASCII;
-    jis.current = mode::ASCII;
-}
-
-// True if what stands next only told how to read on.
-bool take_mode(jis_input &jis) {
-    const unsigned char byte = peek(jis.from);
-    if (byte == SO || byte == SI) {
-        take_shift(jis);
-        return true;
-    }
-    if (byte == ESC && take_escape(jis))
-        return true;
-    if (byte < ' ' || byte == DEL)
-        end_run(jis);
-    return false;
-}
-
-struct eucjp {
     static bool put_kanji(output &to, unsigned char first, unsigned char second) {
         return put_high_pair(to, first, second);
     }
@@ -168,63 +196,139 @@ struct eucjp {
     }
 };
 
-struct sjis {
+struct to_sjis {
+    static void change_pairs(unsigned char *to, const unsigned char *from) {
+        const auto [rows, cells] = pairs_of(load_bytes(from) & static_cast<signed char>(0x7F));
+        store_pairs(to, sjis_of_jis(rows, cells));
+    }
+
     static bool put_kanji(output &to, unsigned char first, unsigned char second) {
-        const int row = without_high_bit(first);
-        const int cell = without_high_bit(second);
-        const int lead = ((row - 0x21) >> 1) + 0x81;
-        const int trail = cell + (row % 2 ? 0x1F : 0x7D);
-        return put_pair(to, static_cast<unsigned char>(lead > 0x9F ? lead + 0x40 : lead),
-                        static_cast<unsigned char>(trail >= DEL ? trail + 1 : trail));
+        return put_numbers(to, sjis_of_jis<int>(without_high_bit(first), without_high_bit(second)));
     }
     static bool put_kana(output &to, unsigned char byte) { return put(to, with_high_bit(byte)); }
 };
 
-template <class Encoding>
-bool put_jis_character(jis_input &jis, output &to, bool pass_8bit) {
-    const unsigned char byte = take(jis.from);
-    switch (jis.current) {
-    case mode::KANJI:
-        return Encoding::put_kanji(to, byte, take(jis.from));
-    case mode::KANA:
-        return Encoding::put_kana(to, byte);
-    case mode::ASCII:
-        break;
-    }
-    return put(to, as_7bit(byte, pass_8bit));
-}
+// ISO-2022-JP on its way to another charset.
+template <class Charset>
+struct text_from_jis {
+    mode current = mode::ASCII;
+    mode saved = mode::ASCII;
+    bool pass_8bit = passes_8bit();
 
-template <class Encoding>
-void decode_jis(input from, output &to) {
-    jis_input jis = {from};
-    const bool pass_8bit = passes_8bit();
-    while (!ended(jis.from))
-        if (!take_mode(jis) && !put_jis_character<Encoding>(jis, to, pass_8bit))
-            return;
+    static constexpr bool needs_trail = false;
+    static constexpr std::size_t opening = 3;
+    static constexpr std::size_t closing = 3;
+    static constexpr auto change_pairs = Charset::change_pairs;
+
+    static signed_bytes ends_singles(signed_bytes bytes) {
+        return is_high(bytes) | is_between(bytes, SO, ESC); // the controls between them are rare
+    }
+    static signed_bytes ends_pairs(signed_bytes bytes) {
+        return (bytes < ' ') | is_byte(bytes, DEL); // high bytes are negative
+    }
+    static bool opens_pairs(const unsigned char *at) {
+        return at[0] == ESC && at[1] == '$' && (at[2] == 'B' || at[2] == '@');
+    }
+    static bool closes_pairs(const unsigned char *at) {
+        return at[0] == ESC && at[1] == '(' && (at[2] == 'B' || at[2] == 'J');
+    }
+    bool takes_step(unsigned char byte) const {
+        return current != mode::KANA && (byte < 0x80 || current == mode::KANJI);
+    }
+
+    void step(bit_per_byte singles, bit_per_byte pairs, byte_pass &pass) {
+        const bool kanji = current == mode::KANJI;
+        current = step_through_shifts<text_from_jis>(singles, pairs, pass, kanji) ? mode::KANJI : mode::ASCII;
+    }
+
+    bool take_escape(input &from) {
+        const unsigned char bytes[] = {peek(from), peek(from, 1), peek(from, 2)};
+        if (opens_pairs(bytes))
+            current = mode::KANJI;
+        else if (closes_pairs(bytes))
+            current = mode::ASCII;
+        else if (bytes[0] == ESC && bytes[1] == '(' && bytes[2] == 'I')
+            current = mode::KANA;
+        else
+            return false;
+        from.at += sizeof bytes;
+        return true;
+    }
+
+    void take_shift(input &from) {
+        if (take(from) == SO) {
+            saved = current;
+            current = mode::KANA;
+        } else {
+            current = saved;
+        }
+    }
+
+    // Lines stand alone, so a control ends a run that lost its closing escape sequence.
+    void end_run() {
+        if (current == mode::KANA)
+            saved = mode::ASCII;
+        current = mode::ASCII;
+    }
+
+    // True if what stands next only told how to read on.
+    bool take_mode(input &from) {
+        const unsigned char byte = peek(from);
+        if (byte == SO || byte == SI) {
+            take_shift(from);
+            return true;
+        }
+        if (take_escape(from))
+            return true;
+        if (byte < ' ' || byte == DEL)
+            end_run();
+        return false;
+    }
+
+    bool put_character(input &from, output &to) const {
+        const unsigned char byte = take(from);
+        switch (current) {
+        case mode::KANJI:
+            return Charset::put_kanji(to, byte, take(from));
+        case mode::KANA:
+            return Charset::put_kana(to, byte);
+        case mode::ASCII:
+            break;
+        }
+        return put(to, as_7bit(byte, pass_8bit));
+    }
+
+    bool take_unit(input &from, output &to) { return take_mode(from) || put_character(from, to); }
+};
+
+template <class Charset>
+void convert_from_jis(input from, output &to) {
+    text_from_jis<Charset> text;
+    convert_by_steps(text, from, to);
 }
 
 } // namespace
 
 void convert_eucjp_to_jis(input from, output &to) {
-    encode_jis<put_eucjp_character>(from, to);
+    convert_to_jis<eucjp_to_jis>(from, to);
 }
 
 void convert_sjis_to_jis(input from, output &to) {
-    encode_jis<put_sjis_character>(from, to);
+    convert_to_jis<sjis_to_jis>(from, to);
 }
 
 void convert_jis_to_eucjp(input from, output &to) {
-    decode_jis<eucjp>(from, to);
+    convert_from_jis<to_eucjp>(from, to);
 }
 
 void convert_jis_to_sjis(input from, output &to) {
-    decode_jis<sjis>(from, to);
+    convert_from_jis<to_sjis>(from, to);
 }
 
 } // namespace zel
 
 int32_t is_hankakukana(unsigned char byte) {
-    return byte >= std::begin(KanaTbl)[0][0] && byte <= std::end(KanaTbl)[-1][0];
+    return zel::is_kana(byte);
 }
 
 int32_t eucjp2jis(const char *from_buf, int32_t from_len, char *to_buf, int32_t to_size) {

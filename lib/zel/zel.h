@@ -248,7 +248,7 @@ ZEL_API char *ZEL_UTF8ToEscapedUnicode(const char *text, int32_t mode);
 
 /**
  * @defgroup zel_direct Direct converters
- * East Asian text byte by byte, with no ICU, lock, allocation or status. All take the same arguments.
+ * East Asian text in one pass, with no ICU, lock, allocation or status. All take the same arguments.
  *
  * @param from_buf the text; a NUL ends it, even before `from_len`
  * @param from_len its bytes; below 1 the result is empty

@@ -26,6 +26,10 @@ inline signed_bytes load_bytes(const void *from) {
     return bytes;
 }
 
+inline void store_bytes(void *to, signed_bytes bytes) {
+    std::memcpy(to, &bytes, sizeof bytes);
+}
+
 inline signed_bytes is_high(signed_bytes bytes) {
     return bytes;
 }
