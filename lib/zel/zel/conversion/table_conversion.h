@@ -18,6 +18,10 @@ using table_conversion = verdict (*)(const code_table &, byte_pass &);
 verdict convert_to_utf8(const code_table &table, byte_pass &pass);
 verdict convert_from_utf8(const code_table &table, byte_pass &pass);
 
+// The same for charsets without pairs that keep all of ASCII.
+verdict convert_singles_to_utf8(const code_table &table, byte_pass &pass);
+verdict convert_utf8_to_singles(const code_table &table, byte_pass &pass);
+
 // The same for ISO-2022-JP, whose text has states.
 verdict convert_jis_to_utf8(const code_table &table, byte_pass &pass);
 verdict convert_utf8_to_jis(const code_table &table, byte_pass &pass);

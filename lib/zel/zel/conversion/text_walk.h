@@ -21,8 +21,8 @@ enum class verdict {
 constexpr std::size_t turn_text = block_size + 2 * lane_step;
 constexpr std::size_t turn_room = 2 * block_size;
 
-// The text behind its end, to a turn: first a byte that is no character, nor part of one, in any charset that
-// has a table.
+// What a turn finds behind the end of the text: a byte that ends any run of ASCII and belongs to no character
+// that begins in front of it, and zeros.
 constexpr unsigned char no_character = 0xFF;
 
 inline bool ended(const byte_pass &pass) {
@@ -30,8 +30,8 @@ inline bool ended(const byte_pass &pass) {
 }
 
 // The last turns, on a copy of the text, and where the room is short with a copy of the result. No byte
-// becomes more than three in the end; and three become one at least in any text worth a table, so that where
-// more of it is left, the room was too small from the start.
+// becomes more than three in the end. Three become one at least in nearly all text: where more than that is
+// left, the room is too small, or ICU can tell better.
 template <class Turn>
 [[gnu::noinline, gnu::flatten]] verdict walk_to_end(byte_pass &pass, Turn turn) {
     constexpr std::size_t longest = 3 * turn_room;
@@ -68,6 +68,25 @@ template <class Turn>
             return verdict::undecided;
     whole = pass;
     return ended(whole) ? verdict::done : walk_to_end(whole, turn);
+}
+
+// Copies the run of ASCII that a block begins with, by a flag for each byte that ends it. Gives the flags
+// from its end on: none where the block is all one run, or the text ends with it.
+template <ascii_run Run>
+bit_per_byte copy_run(byte_pass &pass, const byte_block &block, bit_per_byte others) {
+    store_block(pass.to, block);
+    const auto length = static_cast<std::size_t>(std::countr_zero(others));
+    pass.from += length;
+    pass.to += length;
+    if (length == block_size) [[unlikely]]
+        return copy_blocks<Run>(pass), 0;
+    return ended(pass) ? 0 : others >> length;
+}
+
+template <ascii_run Run>
+bit_per_byte copy_run(byte_pass &pass) {
+    const byte_block block = load_block(pass.from);
+    return copy_run<Run>(pass, block, ask(block, others_among<Run>));
 }
 
 } // namespace zel
