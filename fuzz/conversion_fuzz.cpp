@@ -8,16 +8,29 @@
 
 namespace {
 
-// What ICU gives in a buffer of that size, or the copy where it fails or runs out of room.
+using converter = std::unique_ptr<UConverter, decltype(&ucnv_close)>;
+
+converter open_converter(const std::string &charset) {
+    UErrorCode status = U_ZERO_ERROR;
+    return {ucnv_open(charset == "IMAP-MODIFIED-UTF-7" ? "IMAP-mailbox-name" : charset.c_str(), &status),
+            &ucnv_close};
+}
+
+// What ICU gives in a buffer of that size by way of UTF-16, or the copy where it fails or runs out of room;
+// nothing where it lacks one of the charsets.
 std::string by_icu(const std::string &from, const std::string &to, const std::string &text,
                    std::int32_t room) {
-    const auto name_of = [](const std::string &charset) {
-        return charset == "IMAP-MODIFIED-UTF-7" ? "IMAP-mailbox-name" : charset.c_str();
-    };
+    const converter from_cnv = open_converter(from), to_cnv = open_converter(to);
+    if (!from_cnv || !to_cnv)
+        return "";
+    std::u16string units(text.size() + 1, u'\0');
     std::string result(static_cast<std::size_t>(room), '\0');
     UErrorCode status = U_ZERO_ERROR;
-    const std::int32_t length = ucnv_convert(name_of(to), name_of(from), result.data(), room, text.data(),
-                                             static_cast<std::int32_t>(text.size()), &status);
+    const std::int32_t wide =
+        ucnv_toUChars(from_cnv.get(), units.data(), static_cast<std::int32_t>(units.size()), text.data(),
+                      static_cast<std::int32_t>(text.size()), &status);
+    const std::int32_t length =
+        ucnv_fromUChars(to_cnv.get(), result.data(), room, units.data(), wide, &status);
     return U_SUCCESS(status) ? result.substr(0, static_cast<std::size_t>(length))
                              : text.substr(0, static_cast<std::size_t>(std::max(room - 1, 0)));
 }

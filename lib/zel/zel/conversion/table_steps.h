@@ -96,7 +96,7 @@ unsigned char *put_pairs(const code_table &table, const unsigned char *from, uns
                          std::size_t pairs) {
     const unsigned kept = (1U << pairs) - 1;
     bool found = true;
-    for (unsigned i = 0; i < Most; ++i) {
+    for (std::size_t i = 0; i < Most; ++i) {
         const utf8_character &character = table.pairs[pair_index(from + 2 * i)];
         const unsigned mask = 0U - (kept >> i & 1);
         std::memcpy(to, &character, sizeof character);

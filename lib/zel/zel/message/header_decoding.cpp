@@ -318,15 +318,16 @@ bool holds_fold(std::string_view text) {
     return false;
 }
 
-// A fold within a word may hide another reading of it, the tail of a Japanese value may widen, and a word of
-// a single character may need more than its size for switching the target's set on and off.
+// A fold within a word may hide another reading of it, the tail of a Japanese value may widen, and so may its
+// words where all else passes through. A word of a single character may need more than its size for switching
+// the target's set on and off.
 bool may_need_more(const header_pass &pass, const piece &taken) {
     if (taken.what == piece::kind::plain)
         return false;
     if (taken.what == piece::kind::tail)
         return pass.japanese && !taken.text.empty();
     constexpr std::size_t single = 4; // encoded as a byte of its own, a triple or a padded group
-    return taken.word.raw.size() <= single || holds_fold(taken.text);
+    return taken.word.raw.size() <= single || holds_fold(taken.text) || passes_through();
 }
 
 std::uint64_t real_need(header_pass pass, std::int32_t from_len) {
