@@ -9,6 +9,7 @@
 #include "conv.h"
 #include "conv_runs.h"
 #include "zel.h"
+#include "zel/base/escape_sequences.h"
 #include "zel/base/frame.h"
 
 // clang-format off
@@ -37,9 +38,6 @@ constexpr unsigned char SO = 0x0E;
 constexpr unsigned char SI = 0x0F;
 constexpr unsigned char DEL = 0x7F;
 constexpr unsigned char eucjp_kana_prefix = 0x8E;
-
-constexpr std::string_view enter_kanji = "\x1B$B";
-constexpr std::string_view leave_kanji = "\x1B(B";
 
 // A value for one character, or for eight of them at once, where a condition holds, and 0 elsewhere.
 int where(bool holds, int value) {

@@ -43,11 +43,6 @@ inline signed_bytes is_between(signed_bytes bytes, unsigned char first, unsigned
     return reinterpret_cast<signed_bytes>(above <= static_cast<unsigned char>(last - first));
 }
 
-// A byte of UTF-8 that goes on with a character.
-inline signed_bytes is_tail(signed_bytes bytes) {
-    return bytes < -0x40;
-}
-
 constexpr bool is_little_endian = std::endian::native == std::endian::little;
 
 // A bit for each byte, that of the first byte lowest. A multiplication moves eight of them side by side.

@@ -2,6 +2,7 @@
 
 #include "zel/base/ascii_run.h"
 #include "zel/base/charset_names.h"
+#include "zel/base/escape_sequences.h"
 #include "zel/conversion/icu_converter.h"
 
 #include <unicode/ucnv_err.h>
@@ -20,9 +21,7 @@ struct probe {
     std::string_view behind; // bytes that leave it
 };
 
-constexpr std::string_view enter_kanji = "\x1B$B";
-constexpr std::string_view leave_kanji = "\x1B(B";
-
+// And without characters that become something else together, as ICU knows them in EBCDIC alone.
 bool is_without_states(const UConverter *cnv) {
     switch (ucnv_getType(cnv)) {
     case UCNV_SBCS:
@@ -153,6 +152,7 @@ owned_code_table build_code_table(const char *charset) {
     take_bytes(*table, asked);
     take_codes(*table, asked);
     table->keeps_ascii = keeps_ascii(*table, 0x01, 0x7F);
+    table->singles[0].length = table->keeps_ascii ? 1 : 0;
     const bool keeps_text = keeps_ascii(*table, 0x01, 0x0D) && keeps_ascii(*table, ' ', '~');
     return keeps_text ? std::move(table) : nullptr;
 }

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 
 namespace zel {
 namespace {
@@ -28,7 +29,7 @@ const table_entry *find_table(const char *charset) {
     return entry;
 }
 
-// Two threads may build the same table at once; the second copy stays unused.
+// Two threads may build the same table at once; either copy serves.
 const table_entry *add_table(const char *charset) {
     owned_record<table_entry> entry = new_record<table_entry>();
     if (!entry)
@@ -76,6 +77,12 @@ ascii_identity kept_ascii(UConverter *from_cnv, UConverter *to_cnv) {
     return kept;
 }
 
+// ICU takes all of the text in before it writes, and so it may convert in place.
+bool overlap(std::string_view text, std::string_view room) {
+    const std::less<> before;
+    return before(text.data(), room.data() + room.size()) && before(room.data(), text.data() + text.size());
+}
+
 } // namespace
 
 void prepare_road(fast_road &road, const char *from_charset, const char *to_charset, UConverter *from_cnv,
@@ -87,7 +94,8 @@ void prepare_road(fast_road &road, const char *from_charset, const char *to_char
 verdict convert_by_road(const fast_road &road, std::string_view text, char *to_buf, std::int32_t to_size,
                         std::int32_t &length) {
     const code_table *table = road.table.load(std::memory_order_acquire);
-    if (to_size < 0 || (!table && road.kept.none()))
+    if (to_size < 0 || (!table && road.kept.none()) ||
+        overlap(text, {to_buf, static_cast<std::size_t>(to_size)}))
         return verdict::undecided;
     auto *from = reinterpret_cast<const unsigned char *>(text.data());
     auto *to = reinterpret_cast<unsigned char *>(to_buf);

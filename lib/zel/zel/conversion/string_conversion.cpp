@@ -5,6 +5,7 @@
 #include "zel/base/frame.h"
 #include "zel/base/output.h"
 #include "zel/base/unicode_escape.h"
+#include "zel/base/utf8.h"
 #include "zel/conversion/buffer_conversion.h"
 
 #include <unicode/ustring.h>
@@ -51,17 +52,13 @@ constexpr int continuation_bytes(unsigned char lead) {
     return lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : lead < 0xF8 ? 3 : lead < 0xFC ? 4 : 5;
 }
 
-bool is_continuation(unsigned char byte) {
-    return (byte & 0xC0) == 0x80;
-}
-
 // A string that ends inside its last character passes.
 bool has_utf8_shape(const char *text) {
     int expected = 0;
     for (; *text; ++text) {
         const auto byte = static_cast<unsigned char>(*text);
         if (expected) {
-            if (!is_continuation(byte))
+            if (!is_tail(byte))
                 return false;
             --expected;
         } else if ((expected = continuation_bytes(byte)) == never_valid) {

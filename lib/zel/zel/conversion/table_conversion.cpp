@@ -19,20 +19,44 @@ verdict convert_pairs_to_utf8(const code_table &table, byte_pass &whole) {
     });
 }
 
+bool convert_code_points(const code_table &table, byte_pass &pass, std::size_t bytes) {
+    const unsigned char *const end = pass.from + bytes;
+    bool found = true;
+    while (pass.from < end && found)
+        found = convert_code_point(table, pass);
+    return found;
+}
+
+// A block of characters of all lengths.
+template <ascii_run Run>
+bool convert_mixture(const code_table &table, byte_pass &pass) {
+    const byte_block block = load_block(pass.from);
+    if (Run == ascii_run::text && has_any(block, are_controls)) [[unlikely]]
+        return convert_code_points(table, pass, std::min(left(pass), lane_step));
+    const utf8_block seen = look_at(block);
+    const std::size_t whole = whole_bytes(seen, std::min(left(pass), block_size));
+    return is_well_formed(seen, whole) &&
+           put_by_leads(table, pass, leads(seen) & first_bytes(whole), seen.leads_of_three);
+}
+
+// What is no triple is taken for a stray behind some that are, and else for one of a mixture.
 template <ascii_run Run>
 verdict convert_utf8_to_pairs(const code_table &table, byte_pass &whole) {
     return walk(whole, [&](byte_pass &pass) {
-        const auto convert_one = [&] { return convert_code_point(table, pass); };
         const byte_block block = load_block(pass.from);
         if (Run == ascii_run::text && has_any(block, are_controls)) [[unlikely]]
-            return convert_others(pass, std::min(left(pass), lane_step), convert_one);
+            return convert_code_points(table, pass, std::min(left(pass), lane_step));
+        const unsigned char *const start = pass.from;
         const bit_per_byte high = copy_run<Run>(pass, block, ask(block, is_high));
         if (!high)
             return true;
         const std::size_t run = run_ahead(high);
         if (run < 3) [[unlikely]]
-            return convert_others(pass, std::min(run, left(pass)), convert_one);
-        return convert_triples(table, pass, run / 3, convert_one);
+            return pass.from != start || convert_mixture<Run>(table, pass);
+        return convert_triples(table, pass, run / 3, [&](std::size_t triples) {
+            constexpr std::size_t enough = 2;
+            return triples < enough ? convert_mixture<Run>(table, pass) : convert_code_point(table, pass);
+        });
     });
 }
 

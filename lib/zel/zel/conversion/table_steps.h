@@ -6,6 +6,7 @@
 
 #pragma once
 
+#include "zel/base/utf8.h"
 #include "zel/conversion/code_table.h"
 #include "zel/conversion/text_walk.h"
 
@@ -55,18 +56,6 @@ inline bool convert_characters(const code_table &table, byte_pass &pass, std::si
     return found;
 }
 
-constexpr bool is_continuation(unsigned char byte) {
-    return (byte & 0xC0) == 0x80;
-}
-
-constexpr unsigned code_point_of_two(const unsigned char *from) {
-    return (from[0] & 0x1FU) << 6 | (from[1] & 0x3FU);
-}
-
-constexpr unsigned code_point_of_three(const unsigned char *from) {
-    return (from[0] & 0x0FU) << 12 | (from[1] & 0x3FU) << 6 | (from[2] & 0x3FU);
-}
-
 // Takes a character of the Basic Multilingual Plane; 0 where there is none, or a broken or overlong one.
 inline unsigned take_code_point(byte_pass &pass) {
     const unsigned char *from = pass.from;
@@ -74,12 +63,12 @@ inline unsigned take_code_point(byte_pass &pass) {
         pass.from += 1;
         return from[0];
     }
-    if (!is_continuation(from[1]))
+    if (!is_tail(from[1]))
         return 0;
     if ((from[0] & 0xF0) == 0xE0) {
         pass.from += 3;
         const unsigned code_point = code_point_of_three(from);
-        return is_continuation(from[2]) && code_point >= 0x800 ? code_point : 0;
+        return is_tail(from[2]) && code_point >= 0x800 ? code_point : 0;
     }
     pass.from += 2;
     return from[0] >= 0xC2 && from[0] < 0xE0 ? code_point_of_two(from) : 0;
@@ -164,7 +153,7 @@ inline std::size_t put_triples(const code_table &table, const unsigned char *fro
     const signed_bytes leads = load_bytes(from);
     const signed_bytes seconds = load_bytes(from + 1);
     const signed_bytes thirds = load_bytes(from + 2);
-    const signed_bytes whole = is_between(leads, 0xE1, 0xEF) & is_tail(seconds) & is_tail(thirds);
+    const signed_bytes whole = is_between(leads, 0xE1, 0xEF) & are_tails(seconds) & are_tails(thirds);
     std::array<std::uint16_t, lane_step> code_points; // at each position, of which one in three is meant
     put_code_points(code_points.data(), leads & whole, seconds & whole, thirds & whole);
     const auto code = [&](std::size_t at) {
@@ -182,30 +171,43 @@ inline std::size_t run_ahead(bit_per_byte high) {
     return static_cast<std::size_t>(std::countr_zero(~high | bit_per_byte{1} << most));
 }
 
-// The next character, and those behind it until three bytes become a pair again.
-template <class Convert>
-bool convert_others(byte_pass &pass, std::size_t bytes, Convert convert) {
-    const unsigned char *const end = pass.from + bytes;
-    bool is_triple = false;
+// In one step, as runs between characters are mostly short.
+inline void copy_between(const unsigned char *from, byte_pass &pass, std::size_t length) {
+    std::memcpy(pass.to, from, lane_step);
+    for (std::size_t at = lane_step; at < length; at += lane_step)
+        std::memcpy(pass.to + at, from + at, lane_step);
+    pass.to += length;
+}
+
+// Characters of two and three bytes in any order, by the bits of their leads, and the ASCII in front of each.
+// Ends behind the last of them.
+inline bool put_by_leads(const code_table &table, byte_pass &pass, bit_per_byte leads,
+                         bit_per_byte leads_of_three) {
+    std::size_t at = 0;
     bool found = true;
-    while (pass.from < end && found && !is_triple) {
-        const byte_pass before = pass;
-        found = convert();
-        is_triple = pass.from == before.from + 3 && pass.to == before.to + 2;
+    for (; leads; leads &= leads - 1) {
+        const auto lead = static_cast<std::size_t>(std::countr_zero(leads));
+        const unsigned char *const from = pass.from + lead;
+        const bool is_three = leads_of_three >> lead & 1;
+        const unsigned code_point = is_three ? code_point_of_three(from) : code_point_of_two(from);
+        copy_between(pass.from + at, pass, lead - at);
+        found &= put_code(pass, table.codes[code_point]) && !(is_three && code_point < 0x800);
+        at = lead + (is_three ? 3 : 2);
     }
+    pass.from += at;
     return found;
 }
 
-// Up to the first that is no such character, and on behind it.
-template <class Convert>
-bool convert_triples(const code_table &table, byte_pass &pass, std::size_t triples, Convert convert) {
+// Up to the first character that becomes no pair; there the caller is told how many did, to go on from it.
+template <class GoOn>
+bool convert_triples(const code_table &table, byte_pass &pass, std::size_t triples, GoOn go_on) {
     for (std::size_t done = 0; done < triples; done += most_triples) {
         const std::size_t step = std::min(triples - done, most_triples);
         const std::size_t put = put_triples(table, pass.from + 3 * done, pass.to + 2 * done, step);
         if (put < step) [[unlikely]] {
             pass.from += 3 * (done + put);
             pass.to += 2 * (done + put);
-            return convert_others(pass, std::min(3 * (triples - done - put), left(pass)), convert);
+            return go_on(done + put);
         }
     }
     pass.from += 3 * triples;

@@ -18,7 +18,7 @@ enum class verdict {
     undecided, // for ICU, from the start of the text
 };
 
-constexpr std::size_t turn_text = block_size + 2 * lane_step;
+constexpr std::size_t turn_text = 2 * block_size + lane_step;
 constexpr std::size_t turn_room = 2 * block_size;
 
 // What a turn finds behind the end of the text: a byte that ends any run of ASCII and belongs to no character
@@ -78,8 +78,10 @@ bit_per_byte copy_run(byte_pass &pass, const byte_block &block, bit_per_byte oth
     const auto length = static_cast<std::size_t>(std::countr_zero(others));
     pass.from += length;
     pass.to += length;
-    if (length == block_size) [[unlikely]]
-        return copy_blocks<Run>(pass), 0;
+    if (length == block_size) [[unlikely]] {
+        copy_blocks<Run>(pass);
+        return 0;
+    }
     return ended(pass) ? 0 : others >> length;
 }
 
