@@ -30,6 +30,7 @@ TEST(BodyEncoding, language_and_text_choose_charset_and_transfer_encoding) {
                 {"el", "UTF-8", "Ωx", 1, "=D9x"},
                 {"tr", "UTF-8", "ş.", 1, "\xFE."},
                 {"tr", "UTF-8", "plain.", 1, "plain."},
+                {"tr", "utf-7", "a+AAA-b", 1, "a"}, // a zero byte ends what is handed over as a string
                 {"yi", "utf-8", "ש", 1, "ש"},
                 {"ko", "UTF-8", "a=\nb\r\n", 0, "a=3D\r\nb\r\n"},
                 {"zh", "UTF-8", "中", 1, "\xD6\xD0"},

@@ -19,6 +19,7 @@ TEST(Collation, sorts_as_a_reader_of_the_language_does) {
                 {"en", "UTF-8", "abc", "ABC", -1},
                 {"en", "UTF-8", "\u00e9", "e\u0301", 0},
                 {"en", "UTF-8", "a\u0323\u0301", "a\u0301\u0323", 0},
+                {"en", "UTF-8", "\u1ed9", "o\u0302\u0323", 0},
                 {"ja", "Shift_JIS", "\x82\xa0", "\x82\xa2", -1},
                 {"en", nullptr, "a", "B", -1},
                 {"en", "", "b", "A", 1}};
@@ -34,7 +35,7 @@ TEST(Collation, puts_null_before_any_string_whatever_the_charset) {
 
 TEST(Collation, falls_back_on_the_bytes_where_icu_cannot_tell) {
     for (const std::string &locale :
-         {"de_" + std::string(154, 'A'), std::string(12, 'a'), std::string("de@=x")})
+         {"de_" + std::string(154, 'A'), std::string(12, 'a'), std::string("de@=x"), std::string("de_AT@=b")})
         EXPECT_GT(ZEL_CompareStrings(locale.c_str(), "UTF-8", "a", "B"), 0) << locale;
     EXPECT_GT(ZEL_CompareStrings("en", "no such", "a", "B"), 0);
 }

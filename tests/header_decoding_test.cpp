@@ -54,6 +54,7 @@ TEST(HeaderDecoding, what_is_not_admitted_or_not_convertible_comes_out_encoded) 
     start_library();
     expect_rows("fr", "UTF-8",
                 {{"x =?iso-8859-2?Q?abc=E9?= y", "x abc=E9 y"},
+                 {"=?iso-8859-1?Q?=E9?==?iso-8859-2?Q?=E9?==?iso-8859-1?Q?=E9?=", "é=E9é"},
                  {"=?iso-8859-15?B?YWJj?=", "YWJj"},
                  {"=?utf-8?X?abc?=", "abc"}});
     expect_rows("fr", "nonsense", {{"=?utf-8?Q?=41?=b", "=41b"}, {"=?NONSENSE?Q?=41?=", "=41"}});
@@ -89,6 +90,14 @@ TEST(HeaderDecoding, folds_are_taken_out_in_place_with_the_blanks_before_a_word)
         EXPECT_EQ(to.text(), row.text);
         EXPECT_EQ(value.text(), row.unfolded);
         EXPECT_EQ(decoded("en", row.folded), row.text);
+    }
+}
+
+TEST(HeaderDecoding, folds_are_found_at_any_place) {
+    start_library();
+    for (std::size_t place = 0; place < 130; ++place) {
+        const std::string before(place, 'x');
+        EXPECT_EQ(decoded("en", before + "\r\n =?utf-8?Q?a?=\r\n b"), before + "a b");
     }
 }
 

@@ -39,6 +39,28 @@ constexpr unsigned char SI = 0x0F;
 constexpr unsigned char DEL = 0x7F;
 constexpr unsigned char eucjp_kana_prefix = 0x8E;
 
+using pair_words = std::int16_t __attribute__((vector_size(lane_step)));
+using unsigned_words = std::uint16_t __attribute__((vector_size(lane_step)));
+
+template <class Number>
+struct number_pair {
+    Number first;
+    Number second;
+};
+
+// The pairs of a lane as numbers, to do arithmetic on.
+number_pair<pair_words> pairs_of(signed_bytes bytes) {
+    const auto low = reinterpret_cast<pair_words>(bytes) & 0xFF;
+    const auto high = reinterpret_cast<pair_words>(reinterpret_cast<unsigned_words>(bytes) >> 8);
+    return is_little_endian ? number_pair<pair_words>{low, high} : number_pair<pair_words>{high, low};
+}
+
+void store_pairs(unsigned char *to, const number_pair<pair_words> &pairs) {
+    const pair_words low = (is_little_endian ? pairs.first : pairs.second) & 0xFF;
+    const pair_words high = is_little_endian ? pairs.second : pairs.first;
+    store_bytes(to, reinterpret_cast<signed_bytes>(low | high << 8));
+}
+
 // A value for one character, or for eight of them at once, where a condition holds, and 0 elsewhere.
 int where(bool holds, int value) {
     return holds ? value : 0;

@@ -25,6 +25,8 @@ inline constexpr std::size_t longest_singles = longest_pairs - longest_escape;
 
 // A run of each kind with an escape sequence before or behind it.
 inline constexpr std::size_t step_reach = 2 * (block_size + longest_escape);
+static_assert(step_reach >= longest_singles + longest_pairs + 2 * longest_escape + lane_step);
+
 inline constexpr std::size_t stretch_size = 32 * block_size;
 
 inline bit_per_byte little_endian(bit_per_byte bits) {
@@ -97,7 +99,8 @@ inline void put_ends(text_stretch &stretch, std::size_t place, const block_ends 
 // Bits of the last block, which overlaps the one before it, from where that one ends; behind the text all
 // set.
 inline bit_per_byte last_bits(bit_per_byte bits, std::size_t length) {
-    return bits >> 1 >> ~length % block_size | ~bit_per_byte{0} << length % block_size;
+    const std::size_t behind = length % block_size;
+    return (bits >> 1 >> (block_size - 1 - behind)) | ~bit_per_byte{0} << behind; // never a shift by 64
 }
 
 // Nothing behind the text is read.
@@ -140,6 +143,16 @@ inline void settle(const byte_pass &pass, input &from, output &to) {
     to.length = static_cast<std::size_t>(reinterpret_cast<char *>(pass.to) - to.start);
 }
 
+// A unit, and all others behind it that no step takes.
+template <class Text>
+bool take_units(Text &text, input &from, const unsigned char *before, output &to) {
+    do
+        if (!text.take_unit(from, to))
+            return false;
+    while (from.at < before && !text.takes_step(*from.at));
+    return true;
+}
+
 // Steps that begin in front of a place. They work on a state of their own: that of the caller might be what a
 // byte is stored into, for all that the compiler knows. False where a unit did not fit.
 template <class Text>
@@ -156,10 +169,8 @@ bool take_steps(Text &text, const text_stretch &stretch, input &from, const unsi
             continue;
         settle(pass, from, to);
         text = own;
-        do
-            if (!text.take_unit(from, to))
-                return false;
-        while (from.at < before && !text.takes_step(*from.at));
+        if (!take_units(text, from, before, to))
+            return false;
         own = text;
         pass = pass_between(from, to);
     }
@@ -206,28 +217,6 @@ bool step_through_shifts(bit_per_byte singles, bit_per_byte pairs, byte_pass &pa
         return true;
     pass.from += Charset::closing;
     return false;
-}
-
-using pair_words = std::int16_t __attribute__((vector_size(lane_step)));
-using unsigned_words = std::uint16_t __attribute__((vector_size(lane_step)));
-
-template <class Number>
-struct number_pair {
-    Number first;
-    Number second;
-};
-
-// The pairs of a lane as numbers, to do arithmetic on.
-inline number_pair<pair_words> pairs_of(signed_bytes bytes) {
-    const auto low = reinterpret_cast<pair_words>(bytes) & 0xFF;
-    const auto high = reinterpret_cast<pair_words>(reinterpret_cast<unsigned_words>(bytes) >> 8);
-    return is_little_endian ? number_pair<pair_words>{low, high} : number_pair<pair_words>{high, low};
-}
-
-inline void store_pairs(unsigned char *to, const number_pair<pair_words> &pairs) {
-    const pair_words low = (is_little_endian ? pairs.first : pairs.second) & 0xFF;
-    const pair_words high = is_little_endian ? pairs.second : pairs.first;
-    store_bytes(to, reinterpret_cast<signed_bytes>(low | high << 8));
 }
 
 inline void copy_with_high_bits(unsigned char *to, const unsigned char *from) {

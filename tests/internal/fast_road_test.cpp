@@ -133,6 +133,23 @@ TEST_P(FastRoad, gives_what_icu_gives_to_the_byte_at_every_size) {
     }
 }
 
+TEST_P(FastRoad, converts_in_place_as_icu_would) {
+    start_library();
+    const road out{"UTF-8", GetParam()}, in{GetParam(), "UTF-8"};
+    for (const road *each : {&out, &in}) {
+        each->earn_table();
+        const std::string text =
+            "a text of ASCII, \u0440\u0443\u0441\u0441\u043a\u0438\u0439 \u65e5\u672c\u8a9e";
+        const exact_buffer apart(1000), same(1000);
+        const std::int32_t length = each->icu.convert(text, apart);
+        text.copy(same.data(), text.size());
+        ASSERT_EQ(ZEL_ConvertBuffer(each->from, each->to, same.data(), static_cast<int>(text.size()),
+                                    same.data(), same.length()),
+                  length);
+        EXPECT_EQ(same.text(), apart.text());
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Charsets, FastRoad,
                          testing::Values("us-ascii", "iso-8859-1", "iso-8859-2", "iso-8859-4", "iso-8859-5",
                                          "iso-8859-6", "iso-8859-7", "iso-8859-8", "iso-8859-9",

@@ -21,6 +21,20 @@ TEST(WideSteps, gather_a_bit_for_each_byte) {
     }
 }
 
+TEST(WideSteps, take_the_highest_bit_of_a_byte_for_its_flag) {
+    std::mt19937 random;
+    for (int round = 0; round < 1000; ++round) {
+        signed_bytes bytes;
+        unsigned high = 0;
+        for (std::size_t byte = 0; byte < lane_step; ++byte) {
+            bytes[byte] = static_cast<signed char>(random());
+            high |= unsigned{bytes[byte] < 0} << byte;
+        }
+        ASSERT_EQ(bits_of(is_high(bytes)), high);
+        ASSERT_EQ(gathered_bits(is_high(bytes)), high);
+    }
+}
+
 // What a road leaves over goes by groups.
 std::string encoded(base64_encoder &encode, std::string_view bytes) {
     const exact_buffer from(bytes), to(bytes.size() / 3 * 4 + bytes.size() / base64_line_bytes * 2);

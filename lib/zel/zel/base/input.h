@@ -16,6 +16,10 @@ struct input {
     const unsigned char *end;
 };
 
+constexpr bool has_high_bit(char byte) {
+    return (byte & 0x80) != 0;
+}
+
 inline bool has_text(const char *text) {
     return text && *text;
 }

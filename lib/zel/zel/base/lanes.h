@@ -1,5 +1,6 @@
 // Sixteen bytes a step in the vector types of the compilers: SSE2 on x86-64, NEON, or plain words where there
-// is neither. A comparison gives flags: what counts of each byte is the highest bit.
+// is neither. A question gives flags, of which the highest bit of each
+// byte counts; a comparison sets all bits of a byte, or none, and so gives a mask too.
 
 #pragma once
 

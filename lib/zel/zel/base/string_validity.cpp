@@ -9,6 +9,7 @@
 #include "zel.h"
 #include "zel/base/byte_block.h"
 #include "zel/base/charset_names.h"
+#include "zel/base/input.h"
 
 #include <algorithm>
 #include <bit>
@@ -42,10 +43,6 @@ const double_byte_family *family_of(const char *charset) {
     if (same_name(charset, ianaSHIFTJIS))
         return &shift_jis;
     return same_name(charset, ianaBIG5) ? &big5 : nullptr;
-}
-
-bool has_high_bit(char byte) {
-    return (static_cast<unsigned char>(byte) & 0x80) != 0;
 }
 
 bit_per_byte within(const byte_block &block, const byte_range (&ranges)[2]) {

@@ -221,7 +221,6 @@ static_assert(hex_values['9'] == 9 && hex_values['f'] == 15 && hex_values['F'] =
 static_assert(decoding_slack >= lane_step);
 
 constexpr std::size_t two_digits = 2;
-constexpr bit_per_byte triple_bits = 7;
 
 // What is in it behind the block may be loaded, but plays no part.
 using padded_block = std::array<char, block_size + decoding_slack>;
@@ -230,7 +229,8 @@ bit_per_byte escapes_in(const padded_block &block, std::size_t length) {
     return places_of('=', load_block(block.data())) & ~bit_per_byte{} >> (block_size - length);
 }
 
-// Whole steps, the last of which may go on behind the text.
+// By whole steps. A result is never longer than the text that it comes from, and so the last of them, a step
+// even for no text, writes into the slack at most.
 char *store_literals(const char *from, std::size_t length, char *to) {
     std::size_t at = 0;
     do {
@@ -256,14 +256,14 @@ char *decode_block(std::string_view &from, char *to) {
     for (bit_per_byte escapes = escapes_in(block, length); escapes != 0;) {
         const auto escape = static_cast<std::size_t>(std::countr_zero(escapes));
         to = store_literals(&block[at], escape - at, to);
-        *to = hex_byte(&block[escape + 1]);
-        if (*to == '\0') {
+        const char byte = hex_byte(&block[escape + 1]);
+        if (byte == '\0') {
             from = {};
             return to;
         }
-        ++to;
+        *to++ = byte;
         at = escape + 1 + two_digits;
-        escapes &= ~(triple_bits << escape);
+        escapes &= ~(bit_per_byte{0b111} << escape);
     }
     if (at < length) {
         to = store_literals(&block[at], length - at, to);

@@ -27,9 +27,10 @@ bool put_base64(output &to, std::string_view from);
 
 inline constexpr std::size_t decoding_slack = 16;
 
-// Decode the encoded text of a word into to, which has room for as many bytes as from has and for the slack,
-// as they write by wide steps. Both give the number of bytes, up to a zero byte, which ends the text of a
-// word. Broken text never fails: see the rules beside the code.
+// Decode the encoded text of a word, which holds no zero byte itself, into to, which has room for as many
+// bytes as from has and for the slack, as they write by wide steps. Both give the number of bytes, up to one
+// that is encoded as a zero byte, which ends the text of a word. Broken text never fails: see the rules
+// beside the code.
 std::size_t decode_b(std::string_view from, char *to);
 std::size_t decode_q(std::string_view from, char *to);
 

@@ -158,6 +158,12 @@ bool is_known(const charset_pair &pair) {
     return pair.cached || borrow_converter(pair.from_charset, pair.to_charset);
 }
 
+bool come_to_know(charset_pair &pair) {
+    if (!pair.cached && borrow_converter(pair.from_charset, pair.to_charset))
+        pair.cached = find_pair(pair.from_charset, pair.to_charset);
+    return pair.cached;
+}
+
 std::int32_t result_size(const charset_pair &pair, std::size_t bytes) {
     if (pair.same)
         return saturate(bytes + 1);

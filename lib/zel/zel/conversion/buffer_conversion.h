@@ -30,6 +30,9 @@ charset_pair look_up(const char *from_charset, const char *to_charset);
 // Whether ICU has a converter for the pair.
 bool is_known(const charset_pair &pair);
 
+// The same, for a pair that is used more than once: asked for a new one, it puts the answer in.
+bool come_to_know(charset_pair &pair);
+
 // As ZEL_GetResultBufferSize, for a text that is not empty by its length.
 std::int32_t result_size(const charset_pair &pair, std::size_t bytes);
 

@@ -22,8 +22,8 @@ namespace {
 
 using collator = owned<UCollator, &ucol_close>;
 
-// Texts that are in order already compare alike whether ICU normalizes them or not, and setting it up to do
-// so takes a quarter of a short comparison. To look through a long text takes longer.
+// Texts that are in order already compare alike whether ICU normalizes them or not, and it takes long to set
+// up for it. To look through a long text takes longer.
 bool is_known_ordered(const utf16_text &text) {
     constexpr std::int32_t soon_looked_through = 512;
     return text.length <= soon_looked_through &&

@@ -107,7 +107,7 @@ int32_t ZEL_LocalToInternetMessageBody(const char *language, const char *from_ch
         return estimate(from);
     output to = output_to(to_buf, to_size);
     put_body(from, to);
-    return from.quoted_printable ? finish(to) : finish_string(to); // quoted, a zero byte is a triple
+    return from.quoted_printable ? finish(to) : finish_string(to); // what is quoted was read as a string
 }
 
 int32_t ZEL_UTF8ToInternetMessageBody(const char *language, const char *from_buf, char *to_buf,

@@ -198,10 +198,8 @@ word_road choose_road(const header_pass &pass, const char *charset) {
     if (same_name(charset, pass.to_charset))
         return {road::copy, {}, nullptr};
     charset_pair pair = look_up(charset, pass.to_charset);
-    if (!is_known(pair))
+    if (!come_to_know(pair))
         return {road::raw, {}, nullptr};
-    if (!pair.cached) // the question may have brought it into the cache
-        pair = look_up(charset, pass.to_charset);
     const direct_route *direct = find_route(jis_routes, charset, pass.to_charset);
     return {direct ? road::direct : road::by_pair, pair, direct};
 }
@@ -219,22 +217,27 @@ void learn(const header_pass &pass, std::string_view charset, known_charset &las
     last.chosen = choose_road(pass, last.buf);
 }
 
-constexpr char lower(char encoding) {
-    return static_cast<char>(encoding | 0x20);
+bool is_b(const encoded_word &word) {
+    return word.encoding == 'B' || word.encoding == 'b';
 }
 
+bool is_q(const encoded_word &word) {
+    return word.encoding == 'Q' || word.encoding == 'q';
+}
+
+// A charset that could not be converted from may be by the next word, when there is memory again.
 const word_road &road_of(const header_pass &pass, const encoded_word &word, known_charset &last) {
     static constexpr word_road undecoded = {road::raw, {}, nullptr};
-    if (lower(word.encoding) != 'b' && lower(word.encoding) != 'q')
+    if (!is_b(word) && !is_q(word))
         return undecoded;
-    if (!last.name.data() || word.charset != last.name)
+    if (last.chosen.how == road::raw || word.charset != last.name)
         learn(pass, word.charset, last);
     return last.chosen;
 }
 
 std::string_view decode(const header_pass &pass, const encoded_word &word) {
     const std::size_t length =
-        lower(word.encoding) == 'b' ? decode_b(word.raw, pass.decoded) : decode_q(word.raw, pass.decoded);
+        is_b(word) ? decode_b(word.raw, pass.decoded) : decode_q(word.raw, pass.decoded);
     return {pass.decoded, length};
 }
 
@@ -261,15 +264,11 @@ bool is_japanese(const char *language) {
     return language && std::strncmp(language, "ja", 2) == 0;
 }
 
-bool is_high(char byte) {
-    return (byte & 0x80) != 0;
-}
-
 void put_plain_tail(std::string_view tail, output &to) {
     const std::size_t before = to.length;
     put_some(to, tail);
     if (to.start && !passes_8bit())
-        std::replace_if(to.start + before, to.start + to.length, is_high, '?');
+        std::replace_if(to.start + before, to.start + to.length, has_high_bit, '?');
 }
 
 // Raw JIS is what Japanese mailers once wrote; no other language has a charset for raw bytes.

@@ -8,6 +8,7 @@
 #include "zel.h"
 #include "zel/base/charset_names.h"
 #include "zel/base/frame.h"
+#include "zel/base/input.h"
 #include "zel/base/output.h"
 #include "zel/base/transfer_encoding.h"
 #include "zel/conversion/buffer_conversion.h"
@@ -83,10 +84,6 @@ constexpr std::size_t longest_run =
 
 constexpr std::size_t longest_character = 8; // with what switches its set on and off
 
-bool is_high(char byte) {
-    return byte & 0x80;
-}
-
 std::size_t width_of(char byte, character_width width) {
     switch (width) {
     case character_width::one_byte:
@@ -101,7 +98,7 @@ std::size_t width_of(char byte, character_width width) {
 
 std::size_t measure_run(std::string_view text, character_width width) {
     std::size_t length = 0;
-    while (length < text.size() && length < longest_run && is_high(text[length]))
+    while (length < text.size() && length < longest_run && has_high_bit(text[length]))
         length += width_of(text[length], width);
     return std::min(length, text.size());
 }
@@ -166,7 +163,7 @@ bool put_run(b_pass &pass, std::string_view &rest) {
 }
 
 bool put_plain_or_run(b_pass &pass, std::string_view &rest) {
-    if (is_high(rest.front()))
+    if (has_high_bit(rest.front()))
         return put_run(pass, rest);
     const char byte = rest.front();
     rest.remove_prefix(1);
@@ -212,8 +209,8 @@ std::uint64_t count_runs(std::string_view text) {
     std::uint64_t runs = 0;
     bool in_run = false;
     for (const char byte : text) {
-        runs += is_high(byte) && !in_run;
-        in_run = is_high(byte);
+        runs += has_high_bit(byte) && !in_run;
+        in_run = has_high_bit(byte);
     }
     return runs;
 }
