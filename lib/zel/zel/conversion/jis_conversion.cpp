@@ -74,7 +74,7 @@ verdict convert_utf8_to_jis(const code_table &table, byte_pass &whole) {
         if (run < 3 || *pass.from < 0xE0)
             return convert_one(pass);
         enter(pass, true);
-        return convert_triples(table, pass, run / 3, [&](std::size_t) { return convert_one(pass); });
+        return convert_triples(table, pass, run / 3, [&] { return convert_one(pass); });
     };
     return walk(whole, [&](byte_pass &pass) {
         const byte_block block = load_block(pass.from);

@@ -39,7 +39,7 @@ bool convert_mixture(const code_table &table, byte_pass &pass) {
            put_by_leads(table, pass, leads(seen) & first_bytes(whole), seen.leads_of_three);
 }
 
-// What is no triple is taken for a stray behind some that are, and else for one of a mixture.
+// What is no triple is taken for one of a mixture where the turn meets it at once, and else for a stray.
 template <ascii_run Run>
 verdict convert_utf8_to_pairs(const code_table &table, byte_pass &whole) {
     return walk(whole, [&](byte_pass &pass) {
@@ -53,9 +53,9 @@ verdict convert_utf8_to_pairs(const code_table &table, byte_pass &whole) {
         const std::size_t run = run_ahead(high);
         if (run < 3) [[unlikely]]
             return pass.from != start || convert_mixture<Run>(table, pass);
-        return convert_triples(table, pass, run / 3, [&](std::size_t triples) {
-            constexpr std::size_t enough = 2;
-            return triples < enough ? convert_mixture<Run>(table, pass) : convert_code_point(table, pass);
+        return convert_triples(table, pass, run / 3, [&] {
+            return pass.from < start + 6 ? convert_mixture<Run>(table, pass)
+                                         : convert_code_point(table, pass);
         });
     });
 }

@@ -198,7 +198,7 @@ inline bool put_by_leads(const code_table &table, byte_pass &pass, bit_per_byte 
     return found;
 }
 
-// Up to the first character that becomes no pair; there the caller is told how many did, to go on from it.
+// Up to the first character that becomes no pair, from where the caller goes on in a way of its own.
 template <class GoOn>
 bool convert_triples(const code_table &table, byte_pass &pass, std::size_t triples, GoOn go_on) {
     for (std::size_t done = 0; done < triples; done += most_triples) {
@@ -207,7 +207,7 @@ bool convert_triples(const code_table &table, byte_pass &pass, std::size_t tripl
         if (put < step) [[unlikely]] {
             pass.from += 3 * (done + put);
             pass.to += 2 * (done + put);
-            return go_on(done + put);
+            return go_on();
         }
     }
     pass.from += 3 * triples;

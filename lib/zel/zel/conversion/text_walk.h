@@ -18,7 +18,9 @@ enum class verdict {
     undecided, // for ICU, from the start of the text
 };
 
-constexpr std::size_t turn_text = 2 * block_size + lane_step;
+// A block behind the first few bytes, and the step that looks beyond its end. The most is put of 24 pairs,
+// which become three bytes each, and a step of sixteen single ones behind them, which may too.
+constexpr std::size_t turn_text = block_size + 2 * lane_step;
 constexpr std::size_t turn_room = 2 * block_size;
 
 // What a turn finds behind the end of the text: a byte that ends any run of ASCII and belongs to no character
