@@ -264,7 +264,7 @@ std::vector<row> all_rows() {
         add_strings_and_threads(rows, "UTF-8", charset, charset);
         add_strings_and_threads(rows, charset, "UTF-8", charset);
     }
-    add_strings_and_threads(rows, "windows-1252", "ISO-8859-15", "ISO-8859-15"); // by ICU
+    add_strings_and_threads(rows, "windows-1252", "ISO-8859-15", "ISO-8859-15");
     add_direct_converters(rows);
     add_quoted_printable(rows, "pl", "ISO-8859-2");
     add_quoted_printable(rows, "ru", "ISO-8859-5");

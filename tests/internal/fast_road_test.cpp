@@ -150,6 +150,25 @@ TEST_P(FastRoad, converts_in_place_as_icu_would) {
     }
 }
 
+TEST(FastRoadOfBytes, gives_what_icu_gives_between_charsets_of_single_bytes) {
+    start_library();
+    const road pair{"windows-1252", "iso-8859-15"};
+    pair.earn_table();
+    ASSERT_TRUE(pair.has_table());
+    for (int byte = 0; byte < 256; ++byte)
+        for (const char *const around : {"", "a", "\xE9\x80 and more of it"}) {
+            const std::string text = around + std::string(1, static_cast<char>(byte)) + around;
+            for (std::int32_t size = 0; size < static_cast<std::int32_t>(text.size()) + 3; ++size)
+                ASSERT_TRUE(pair.agrees(text, size)) << testing::PrintToString(text) << " at " << size;
+        }
+    for (const auto &[from, to] : {std::pair{"windows-1252", "euc-jp"}, std::pair{"euc-jp", "Shift_JIS"},
+                                   std::pair{"windows-1252", "utf-16"}, std::pair{"hz-gb-2312", "latin1"}}) {
+        const road none{from, to};
+        none.earn_table();
+        EXPECT_FALSE(none.has_table()) << from << to;
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Charsets, FastRoad,
                          testing::Values("us-ascii", "iso-8859-1", "iso-8859-2", "iso-8859-4", "iso-8859-5",
                                          "iso-8859-6", "iso-8859-7", "iso-8859-8", "iso-8859-9",

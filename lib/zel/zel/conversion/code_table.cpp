@@ -140,6 +140,10 @@ bool keeps_ascii(const code_table &table, unsigned first, unsigned last) {
     return true;
 }
 
+bool is_of_single_bytes(const probe &asked) {
+    return asked.cnv && asked.before.empty() && ucnv_getMaxCharSize(asked.cnv.get()) == 1;
+}
+
 } // namespace
 
 owned_code_table build_code_table(const char *charset) {
@@ -155,6 +159,28 @@ owned_code_table build_code_table(const char *charset) {
     table->singles[0].length = table->keeps_ascii ? 1 : 0;
     const bool keeps_text = keeps_ascii(*table, 0x01, 0x0D) && keeps_ascii(*table, ' ', '~');
     return keeps_text ? std::move(table) : nullptr;
+}
+
+owned_code_table build_byte_table(const char *from_charset, const char *to_charset) {
+    const probe from = open_probe(from_charset), to = open_probe(to_charset);
+    if (!is_of_single_bytes(from) || !is_of_single_bytes(to))
+        return nullptr;
+    owned_code_table table(static_cast<code_table *>(std::calloc(1, sizeof(code_table))));
+    if (!table)
+        return nullptr;
+    table->single_byte = true;
+    for (unsigned value = 1; value < 256; ++value) {
+        const auto byte = static_cast<char>(value);
+        UErrorCode status;
+        const UChar character = character_of(from, {&byte, 1}, status);
+        const charset_code code = character ? code_of(to, character) : charset_code{};
+        table->singles[value] = {{code[1]}, static_cast<unsigned char>(code[1] ? 1 : 0)};
+    }
+    table->singles[0].length = 1;
+    for (unsigned char byte = 1; byte < 0x80; ++byte)
+        if (table->singles[byte].bytes[0] != byte)
+            return nullptr;
+    return table;
 }
 
 } // namespace zel

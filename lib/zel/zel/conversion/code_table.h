@@ -35,6 +35,10 @@ struct code_table {
 
 using owned_code_table = owned<code_table, &std::free>;
 
+// A table between two charsets of single bytes that keep all of ASCII: for each byte of the one, singles
+// holds that of the other. Null where ICU does not know them so, and where there is no memory.
+owned_code_table build_byte_table(const char *from_charset, const char *to_charset);
+
 // Null where ICU does not know the charset, where its text has states or ASCII is not the identity in it, and
 // where there is no memory.
 owned_code_table build_code_table(const char *charset);

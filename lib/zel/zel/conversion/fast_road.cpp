@@ -14,29 +14,32 @@ namespace {
 constexpr std::uint64_t worth_a_table =
     std::uint64_t{100} * 1024; // bytes; a host that converts less pays nothing
 
+// One between a charset and UTF-8 serves both directions, and has UTF-8 for its second name.
 struct table_entry {
     heap_string charset;
-    owned_code_table table; // null where the charset can have none, or none had memory
+    heap_string other;
+    owned_code_table table; // null where the pair can have none, or none had memory
     record_link<table_entry> next;
 };
 
 record_link<table_entry> tables{nullptr};
 
-const table_entry *find_table(const char *charset) {
+const table_entry *find_table(const char *charset, const char *other) {
     const table_entry *entry = tables.load(std::memory_order_acquire);
-    while (entry && !same_name(entry->charset.get(), charset))
+    while (entry && !(same_name(entry->charset.get(), charset) && same_name(entry->other.get(), other)))
         entry = entry->next.load(std::memory_order_acquire);
     return entry;
 }
 
 // Two threads may build the same table at once; either copy serves.
-const table_entry *add_table(const char *charset) {
+const table_entry *add_table(const char *charset, const char *other) {
     owned_record<table_entry> entry = new_record<table_entry>();
     if (!entry)
         return nullptr;
     entry->charset.reset(strdup(charset));
-    entry->table = build_code_table(charset);
-    if (!entry->charset)
+    entry->other.reset(strdup(other));
+    entry->table = same_name(other, encUTF8) ? build_code_table(charset) : build_byte_table(charset, other);
+    if (!entry->charset || !entry->other)
         return nullptr;
     const table_entry *linked = entry.get();
     const held_lock lock = hold(encodingconverter_lock);
@@ -49,7 +52,7 @@ table_conversion choose_conversion(const char *from_charset, const char *to_char
         return same_name(to_charset, ianaISO2022JP) ? convert_utf8_to_jis : convert_from_utf8;
     if (same_name(to_charset, encUTF8))
         return same_name(from_charset, ianaISO2022JP) ? convert_jis_to_utf8 : convert_to_utf8;
-    return nullptr;
+    return convert_singles;
 }
 
 // Asked for twice in a row, as a byte may change how the next one is read or written.
@@ -113,10 +116,11 @@ void note_conversion(fast_road &road, const char *from_charset, const char *to_c
     const std::uint64_t before = road.converted.fetch_add(bytes, std::memory_order_relaxed);
     if (before / worth_a_table == (before + bytes) / worth_a_table)
         return;
-    const char *charset = same_name(from_charset, encUTF8) ? to_charset : from_charset;
-    const table_entry *entry = find_table(charset);
+    if (same_name(from_charset, encUTF8))
+        std::swap(from_charset, to_charset);
+    const table_entry *entry = find_table(from_charset, to_charset);
     if (!entry)
-        entry = add_table(charset);
+        entry = add_table(from_charset, to_charset);
     if (entry)
         road.table.store(entry->table.get(), std::memory_order_release);
 }

@@ -1,6 +1,7 @@
 // The road around ICU, for the pairs that have one. ASCII text between charsets that keep ASCII goes it from
-// the start; once a pair has converted enough text to be worth it, a table of its charset is built, and all
-// text goes it that the table can decide. One table serves all pairs of its charset.
+// the start; once a pair has converted enough text to be worth it, a table is built, and all text goes it
+// that the table can decide: one of a charset, for its pairs with UTF-8, or one of two charsets of single
+// bytes.
 //
 // Invariant: a result is ICU's to the byte, or it is not given. A table is complete before it is published
 // (release store), and is read without a lock (acquire load) until the stop.
@@ -18,7 +19,7 @@ namespace zel {
 
 struct fast_road {
     ascii_identity kept;
-    table_conversion convert; // null where no table serves the pair
+    table_conversion convert; // null where no table can serve the pair
     std::atomic<std::uint64_t> converted;
     std::atomic<const code_table *> table;
 };

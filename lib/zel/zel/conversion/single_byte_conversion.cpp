@@ -86,7 +86,7 @@ bool convert_block_to_singles(const code_table &table, byte_pass &pass) {
 } // namespace
 
 // Byte by byte without a branch, as the runs of ASCII are short.
-verdict convert_singles_to_utf8(const code_table &table, byte_pass &whole) {
+verdict convert_singles(const code_table &table, byte_pass &whole) {
     return walk(whole, [&](byte_pass &pass) {
         if (!any(is_high(load_bytes(pass.from)))) {
             copy_run<ascii_run::whole>(pass);
