@@ -7,7 +7,10 @@
 
 #include <unicode/locid.h>
 #include <unicode/uchar.h>
+#include <unicode/ucnv.h>
 
+#include <algorithm>
+#include <memory>
 #include <utility>
 
 namespace {
@@ -32,6 +35,38 @@ TEST(CanonicalOrder, is_known_of_common_text_and_of_no_text_with_a_mark_anywhere
         EXPECT_FALSE(keeps_order(text));
         unit = before;
     }
+}
+
+bool brings_mark(char16_t unit) {
+    return !U_IS_SURROGATE(unit) && u_getIntPropertyValue(unit, UCHAR_LEAD_CANONICAL_COMBINING_CLASS) != 0;
+}
+
+// All of their pairs of bytes, alone and behind the byte that leads three in EUC-JP.
+TEST(CanonicalOrder, is_known_of_charsets_that_have_no_marks) {
+    int known = 0;
+    for (const char *const charset :
+         {"us-ascii",     "iso-8859-1", "iso-8859-2",   "iso-8859-4",   "iso-8859-5",
+          "iso-8859-6",   "iso-8859-7", "iso-8859-8",   "iso-8859-9",   "iso-8859-15",
+          "windows-1252", "tis-620",    "Shift_JIS",    "euc-jp",       "euc-kr",
+          "gb2312",       "big5",       "windows-1255", "windows-1258", "utf-8"}) {
+        if (!lacks_marks(charset))
+            continue;
+        ++known;
+        UErrorCode status = U_ZERO_ERROR;
+        const std::unique_ptr<UConverter, decltype(&ucnv_close)> cnv(ucnv_open(charset, &status),
+                                                                     &ucnv_close);
+        for (unsigned bytes = 0; bytes < 0x20000; ++bytes) {
+            const char text[] = {'\x8F', static_cast<char>(bytes >> 8), static_cast<char>(bytes)};
+            const std::size_t start = bytes < 0x10000 ? 1 : 0;
+            UChar units[8];
+            const std::int32_t length = ucnv_toUChars(cnv.get(), units, 8, text + start,
+                                                      static_cast<std::int32_t>(3 - start), &status);
+            ASSERT_TRUE(U_SUCCESS(status) && std::none_of(units, units + length, brings_mark))
+                << charset << ' ' << std::hex << bytes;
+        }
+    }
+    EXPECT_EQ(known, 14);
+    EXPECT_FALSE(lacks_marks("iso-8859-6") || lacks_marks("tis-620") || lacks_marks("UTF-8"));
 }
 
 TEST(LocaleNames, of_two_letters_and_a_territory_of_two_are_all_well_formed) {

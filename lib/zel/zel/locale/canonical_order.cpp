@@ -1,6 +1,11 @@
-// See canonical_order.h. The answer comes from a few wide ranges alone.
+// See canonical_order.h. A few wide ranges of characters are all that is known, and a few charsets.
 
 #include "zel/locale/canonical_order.h"
+
+#include "zel/base/charset_names.h"
+
+#include <algorithm>
+#include <iterator>
 
 namespace zel {
 namespace {
@@ -23,6 +28,11 @@ constexpr char16_t is_within_none(char16_t unit) {
     return outside;
 }
 
+constexpr const char *charsets_without_marks[] = {
+    ianaUSASCII,   ianaISO8859_1, ianaISO8859_2,  ianaISO8859_4,   ianaISO8859_5,
+    ianaISO8859_7, ianaISO8859_9, ianaISO8859_15, ianaWINDOWS1252, ianaSHIFTJIS,
+    ianaEUCJP,     ianaEUCKR,     ianaGB2312,     ianaBIG5};
+
 } // namespace
 
 bool keeps_order(std::u16string_view text) {
@@ -30,6 +40,11 @@ bool keeps_order(std::u16string_view text) {
     for (const char16_t unit : text)
         outside |= is_within_none(unit);
     return outside == 0;
+}
+
+bool lacks_marks(const char *charset) {
+    return std::any_of(std::begin(charsets_without_marks), std::end(charsets_without_marks),
+                       [=](const char *each) { return same_name(each, charset); });
 }
 
 } // namespace zel

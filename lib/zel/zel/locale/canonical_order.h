@@ -13,4 +13,7 @@ namespace zel {
 // Cyrillic and East Asian text. False where that is not known.
 bool keeps_order(std::u16string_view text);
 
+// True where no text of the charset can be otherwise.
+bool lacks_marks(const char *charset);
+
 } // namespace zel

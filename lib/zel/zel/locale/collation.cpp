@@ -22,12 +22,6 @@ namespace {
 
 using collator = owned<UCollator, &ucol_close>;
 
-// Their characters all come before the first combining mark.
-bool lacks_marks(const UConverter *charset) {
-    const UConverterType type = ucnv_getType(charset);
-    return type == UCNV_LATIN_1 || type == UCNV_US_ASCII;
-}
-
 // Texts that are in order already compare alike whether ICU normalizes them or not, and it takes long to set
 // up for it. To look through a long text takes longer.
 bool is_known_ordered(const utf16_text &text) {
@@ -62,7 +56,7 @@ std::optional<std::int32_t> collate(const char *locale, const char *charset, con
     const utf16_text other = to_utf16(cnv.get(), min_char_size, second);
     if (!one.units || !other.units)
         return std::nullopt;
-    const bool in_order = lacks_marks(cnv.get()) || (is_known_ordered(one) && is_known_ordered(other));
+    const bool in_order = lacks_marks(charset) || (is_known_ordered(one) && is_known_ordered(other));
     const collator order = open_collator(locale, !in_order);
     if (!order)
         return std::nullopt;
