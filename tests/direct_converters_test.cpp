@@ -195,6 +195,21 @@ TEST(DirectConverters, a_long_text_becomes_what_its_parts_become) {
     }
 }
 
+TEST(DirectConverters, a_text_that_does_not_grow_is_converted_in_place) {
+    for (const script &of : scripts) {
+        std::string text;
+        for (std::size_t part = 0; part < 100; ++part)
+            text += runs_of(of, part, part % 30);
+        const std::string whole = converted(of.convert, text, 10000);
+        if (whole.size() > text.size())
+            continue;
+        const exact_buffer same(text + '\0');
+        EXPECT_EQ(of.convert(same.data(), same.length() - 1, same.data(), same.length()),
+                  static_cast<std::int32_t>(whole.size()));
+        EXPECT_EQ(same.text(), whole);
+    }
+}
+
 TEST(DirectConverters, a_long_text_fills_a_buffer_of_any_size) {
     for (const script &of : scripts) {
         std::string text;

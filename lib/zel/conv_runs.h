@@ -231,7 +231,8 @@ inline void copy_with_high_bits(unsigned char *to, const unsigned char *from) {
 //   take_unit(from, to)         false where the output is full
 template <class Text>
 bool convert_by_steps(Text &text, input from, output &to) {
-    if (to.start && !take_all_steps(text, from, to))
+    const std::string_view whole(reinterpret_cast<const char *>(from.at), left(from));
+    if (to.start && !overlap(whole, {to.start, to.size}) && !take_all_steps(text, from, to))
         return false;
     while (!ended(from))
         if (!text.take_unit(from, to))

@@ -1,6 +1,6 @@
-// Runs of ASCII, a block at a time. Nearly all text of the field holds long ones, in whatever
-// charset. Where a charset reads some controls in ways of its own (ESC, SO and SI, or DEL), the run is one of
-// plain text alone: printable ASCII and white space.
+// Runs of ASCII, a block at a time. Nearly all text of the field holds long ones, in whatever charset. Where
+// a charset reads some controls in ways of its own (ESC, SO and SI, or DEL), the run is one of text alone, to
+// which no control from SO on belongs.
 //
 // Invariant: nothing is read behind from_end, nothing is written behind to_end; what a block writes behind
 // the run that it copied is overwritten by what follows or left as slack within the buffer.

@@ -16,6 +16,11 @@ using bit_per_byte = std::uint64_t;
 
 inline constexpr std::size_t block_size = 64;
 
+// One at least.
+constexpr bit_per_byte first_bytes(std::size_t count) {
+    return ~bit_per_byte{0} >> (block_size - count);
+}
+
 struct byte_block {
     signed_bytes steps[block_size / lane_step];
 };

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <string_view>
 
 namespace zel {
@@ -18,6 +19,12 @@ struct output {
     std::size_t length; // written or counted so far
     std::size_t size;   // of the buffer, terminator included
 };
+
+// Whether steps that write ahead of themselves could spoil a text that is not yet read.
+inline bool overlap(std::string_view text, std::string_view room) {
+    const std::less<> before;
+    return before(text.data(), room.data() + room.size()) && before(room.data(), text.data() + text.size());
+}
 
 inline output output_to(char *buf, std::int32_t size) {
     return {buf, 0, size > 0 ? static_cast<std::size_t>(size) : 0};

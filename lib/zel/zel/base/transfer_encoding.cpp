@@ -226,7 +226,7 @@ constexpr std::size_t two_digits = 2;
 using padded_block = std::array<char, block_size + decoding_slack>;
 
 bit_per_byte escapes_in(const padded_block &block, std::size_t length) {
-    return places_of('=', load_block(block.data())) & ~bit_per_byte{} >> (block_size - length);
+    return places_of('=', load_block(block.data())) & first_bytes(length);
 }
 
 // By whole steps. A result is never longer than the text that it comes from, and so the last of them, a step

@@ -37,10 +37,6 @@ inline bit_per_byte leads(const utf8_block &seen) {
     return seen.leads_of_two | seen.leads_of_three;
 }
 
-constexpr bit_per_byte first_bytes(std::size_t count) {
-    return ~bit_per_byte{0} >> (block_size - count);
-}
-
 // How many bytes of the block are whole characters.
 inline std::size_t whole_bytes(const utf8_block &seen, std::size_t bytes) {
     if (bytes < block_size)

@@ -140,6 +140,10 @@ bool keeps_ascii(const code_table &table, unsigned first, unsigned last) {
     return true;
 }
 
+owned_code_table new_table() {
+    return owned_code_table(static_cast<code_table *>(std::calloc(1, sizeof(code_table))));
+}
+
 bool is_of_single_bytes(const probe &asked) {
     return asked.cnv && asked.before.empty() && ucnv_getMaxCharSize(asked.cnv.get()) == 1;
 }
@@ -150,7 +154,7 @@ owned_code_table build_code_table(const char *charset) {
     const probe asked = open_probe(charset);
     if (!asked.cnv)
         return nullptr;
-    owned_code_table table(static_cast<code_table *>(std::calloc(1, sizeof(code_table))));
+    owned_code_table table = new_table();
     if (!table)
         return nullptr;
     take_bytes(*table, asked);
@@ -165,7 +169,7 @@ owned_code_table build_byte_table(const char *from_charset, const char *to_chars
     const probe from = open_probe(from_charset), to = open_probe(to_charset);
     if (!is_of_single_bytes(from) || !is_of_single_bytes(to))
         return nullptr;
-    owned_code_table table(static_cast<code_table *>(std::calloc(1, sizeof(code_table))));
+    owned_code_table table = new_table();
     if (!table)
         return nullptr;
     table->single_byte = true;

@@ -2,11 +2,11 @@
 
 #include "zel/base/charset_names.h"
 #include "zel/base/frame.h"
+#include "zel/base/output.h"
 #include "zel/base/records.h"
 
 #include <algorithm>
 #include <cstring>
-#include <functional>
 
 namespace zel {
 namespace {
@@ -80,12 +80,6 @@ ascii_identity kept_ascii(UConverter *from_cnv, UConverter *to_cnv) {
     return kept;
 }
 
-// ICU takes all of the text in before it writes, and so it may convert in place.
-bool overlap(std::string_view text, std::string_view room) {
-    const std::less<> before;
-    return before(text.data(), room.data() + room.size()) && before(room.data(), text.data() + text.size());
-}
-
 } // namespace
 
 void prepare_road(fast_road &road, const char *from_charset, const char *to_charset, UConverter *from_cnv,
@@ -97,8 +91,10 @@ void prepare_road(fast_road &road, const char *from_charset, const char *to_char
 verdict convert_by_road(const fast_road &road, std::string_view text, char *to_buf, std::int32_t to_size,
                         std::int32_t &length) {
     const code_table *table = road.table.load(std::memory_order_acquire);
-    if (to_size < 0 || (!table && road.kept.none()) ||
-        overlap(text, {to_buf, static_cast<std::size_t>(to_size)}))
+    if (to_size < 0 || (!table && road.kept.none()))
+        return verdict::undecided;
+    // ICU takes all of the text in before it writes, and so it may convert in place.
+    if (overlap(text, {to_buf, static_cast<std::size_t>(to_size)}))
         return verdict::undecided;
     auto *from = reinterpret_cast<const unsigned char *>(text.data());
     auto *to = reinterpret_cast<unsigned char *>(to_buf);
