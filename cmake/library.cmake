@@ -21,13 +21,13 @@ target_include_directories(qorm PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/l
 
 file(GLOB_RECURSE zel_sources CONFIGURE_DEPENDS lib/zel/*.cpp)
 add_library(zel_objects OBJECT ${zel_sources})
-target_include_directories(zel_objects PUBLIC lib/zel)
+target_include_directories(zel_objects PUBLIC lib/zel/include lib/zel)
 target_link_libraries(zel_objects PUBLIC qorm PkgConfig::ICU PkgConfig::NSPR)
 target_compile_options(zel_objects PRIVATE ${ZEL_WARNINGS} -fno-exceptions)
 
 add_library(zel SHARED $<TARGET_OBJECTS:zel_objects>)
 add_library(zel::zel ALIAS zel)
-target_include_directories(zel PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/lib/zel>
+target_include_directories(zel PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/lib/zel/include>
                                       $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 target_link_libraries(zel PRIVATE qorm PkgConfig::ICU PkgConfig::NSPR)
 
