@@ -63,6 +63,21 @@ TEST(ConverterCache, lends_the_oldest_free_record_and_opens_one_only_when_all_ar
     EXPECT_EQ(records_behind(first, &EncodingConverter::next_instance), 2);
 }
 
+TEST(ConverterCache, keeps_twenty_thousand_pairs_in_order_and_finds_the_first_of_each) {
+    start_library();
+    const EncodingConverter *pair = list_head();
+    const auto name = [](int i) { return "iso-8859-15,x" + std::to_string(i); };
+    for (int i = 0; i < 20'000; ++i)
+        ASSERT_EQ(ZEL_EncodingConverterExists(name(i).c_str(), "utf-16be"), 1);
+    for (int i = 0; i < 20'000; ++i) {
+        pair = pair->next_pair;
+        ASSERT_EQ(pair->from_name.get(), name(i));
+        ASSERT_EQ(find_pair(name(i).replace(0, 3, "ISO").c_str(), "UTF-16BE"), pair);
+    }
+    EXPECT_EQ(pair->next_pair, nullptr);
+    EXPECT_EQ(find_pair("utf-16be", name(0).c_str()), nullptr);
+}
+
 TEST(ConverterCache, leaves_a_lent_record_to_its_borrower_when_the_library_stops) {
     start_library("/nowhere", {.no_atexit = 1});
     static const EncodingConverter *const lent = load_encodingconverter("koi8-r", "utf-8");

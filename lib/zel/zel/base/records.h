@@ -32,13 +32,15 @@ owned_record<Record> new_record() {
     return owned_record<Record>(memory ? new (memory) Record{} : nullptr);
 }
 
+// From a link of the list on, such as its last. Gives the link behind the record, which is the last now.
 template <class Record>
-void append_record(record_link<Record> &list, record_link<Record> Record::*next,
-                   owned_record<Record> record) {
-    record_link<Record> *end = &list;
-    while (Record *linked = end->load(std::memory_order_relaxed))
-        end = &(linked->*next);
-    end->store(record.release(), std::memory_order_release);
+record_link<Record> *append_record(record_link<Record> *link, record_link<Record> Record::*next,
+                                   owned_record<Record> record) {
+    while (Record *linked = link->load(std::memory_order_relaxed))
+        link = &(linked->*next);
+    Record *last = record.release();
+    link->store(last, std::memory_order_release);
+    return &(last->*next);
 }
 
 } // namespace zel

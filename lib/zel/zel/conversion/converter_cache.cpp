@@ -8,13 +8,14 @@
 #include <unicode/ucnv_cb.h>
 #include <unicode/ucnv_err.h>
 
-#include <bit>
 #include <cstring>
 
 namespace zel {
 namespace {
 
 record_link<EncodingConverter> ZEL_zecCacheHead{nullptr};
+record_link<EncodingConverter> *end_of_pairs = &ZEL_zecCacheHead; // under the lock
+name_index<EncodingConverter> pair_index{};
 
 using unlinked_converter = owned_record<EncodingConverter>;
 
@@ -58,16 +59,6 @@ opened_charset open_charset(const char *name) {
     return opened;
 }
 
-std::uint32_t hash_name(std::uint32_t hash, const char *name) {
-    for (; *name; ++name)
-        hash = std::rotl(hash, 5) ^ (static_cast<unsigned char>(*name) | 0x20U);
-    return hash;
-}
-
-std::uint32_t hash_names(const char *from_charset, const char *to_charset) {
-    return hash_name(hash_name(0, from_charset) + 1, to_charset);
-}
-
 unlinked_converter new_converter(const char *from_charset, const char *to_charset) {
     unlinked_converter fresh = new_record<EncodingConverter>();
     if (!fresh)
@@ -85,7 +76,7 @@ unlinked_converter new_converter(const char *from_charset, const char *to_charse
     fresh->to_name.reset(strdup(to_charset));
     if (!fresh->from_name || !fresh->to_name)
         return nullptr;
-    fresh->name_hash = hash_names(from_charset, to_charset);
+    fresh->place.hash = hash_names(from_charset, to_charset);
     fresh->in_use.store(1, std::memory_order_relaxed);
     return fresh;
 }
@@ -105,10 +96,12 @@ EncodingConverter *take_free_instance(EncodingConverter *pair) {
 EncodingConverter *append(EncodingConverter *pair, unlinked_converter fresh) {
     EncodingConverter *linked = fresh.get();
     const held_lock lock = hold(encodingconverter_lock);
-    if (pair)
-        append_record(pair->next_instance, &EncodingConverter::next_instance, std::move(fresh));
-    else
-        append_record(ZEL_zecCacheHead, &EncodingConverter::next_pair, std::move(fresh));
+    if (pair) {
+        append_record(&pair->next_instance, &EncodingConverter::next_instance, std::move(fresh));
+    } else {
+        end_of_pairs = append_record(end_of_pairs, &EncodingConverter::next_pair, std::move(fresh));
+        add_to_index(pair_index, *linked);
+    }
     return linked;
 }
 
@@ -130,12 +123,9 @@ void discard_pair(EncodingConverter *pair) {
 } // namespace
 
 EncodingConverter *find_pair(const char *from_charset, const char *to_charset) {
-    const std::uint32_t hash = hash_names(from_charset, to_charset);
-    EncodingConverter *pair = ZEL_zecCacheHead.load(std::memory_order_acquire);
-    while (pair && !(pair->name_hash == hash && same_name(pair->from_name.get(), from_charset) &&
-                     same_name(pair->to_name.get(), to_charset)))
-        pair = pair->next_pair.load(std::memory_order_acquire);
-    return pair;
+    return find_record(pair_index, hash_names(from_charset, to_charset), [=](const EncodingConverter &pair) {
+        return are_same(pair.from_name.get(), from_charset) && are_same(pair.to_name.get(), to_charset);
+    });
 }
 
 EncodingConverter *load_encodingconverter(const char *from_charset, const char *to_charset) {

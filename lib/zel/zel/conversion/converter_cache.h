@@ -1,12 +1,12 @@
 // The cache of ICU converter pairs. A caller borrows a record, drives ICU with the two converters in it, and
 // gives it back by letting the lent_converter go; in between the record is its own, and no lock is held.
 //
-// Invariant: the lists are those of records.h, under encodingconverter_lock. in_use becomes 1 under that lock
-// alone and 0 by its holder's release store.
+// Invariant: the lists are those of records.h, with an index of the pairs beside them, under
+// encodingconverter_lock. in_use becomes 1 under that lock alone and 0 by its holder's release store.
 
 #pragma once
 
-#include "zel/base/records.h"
+#include "zel/base/name_index.h"
 #include "zel/conversion/fast_road.h"
 #include "zel/conversion/icu_converter.h"
 
@@ -20,10 +20,10 @@ struct EncodingConverter {
     std::atomic<std::int32_t> in_use;
     heap_string from_name;
     heap_string to_name;
-    std::uint32_t name_hash;    // of both names, their case folded, which spares most comparisons
-    std::int32_t min_char_size; // bytes a character of the source at least
-    std::int32_t max_char_size; // bytes a UTF-16 unit at most in the target
-    fast_road road;             // of the pair; in its first record alone
+    std::int32_t min_char_size;           // bytes a character of the source at least
+    std::int32_t max_char_size;           // bytes a UTF-16 unit at most in the target
+    index_place<EncodingConverter> place; // of the pair, as is the road; in its first record alone
+    fast_road road;
 };
 
 // The first record of the pair, not borrowed: for what does not touch its converters. Null for a pair not yet

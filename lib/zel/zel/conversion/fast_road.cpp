@@ -43,7 +43,7 @@ const table_entry *add_table(const char *charset, const char *other) {
         return nullptr;
     const table_entry *linked = entry.get();
     const held_lock lock = hold(encodingconverter_lock);
-    append_record(tables, &table_entry::next, std::move(entry));
+    append_record(&tables, &table_entry::next, std::move(entry));
     return linked;
 }
 

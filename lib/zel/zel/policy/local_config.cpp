@@ -1,7 +1,6 @@
 #include "zel/policy/local_config.h"
 
 #include "zel.h"
-#include "zel/base/charset_names.h"
 #include "zel/base/frame.h"
 #include "zel/policy/bundle_message.h"
 
@@ -13,11 +12,12 @@ record_link<LocalConfigEntry> LocalConfigHead{nullptr};
 
 namespace {
 
+record_link<LocalConfigEntry> *end_of_list = &LocalConfigHead; // under the lock
+name_index<LocalConfigEntry> key_index{};
+
 const LocalConfigEntry *find(const char *key) {
-    const LocalConfigEntry *entry = LocalConfigHead.load(std::memory_order_acquire);
-    while (entry && !same_name(entry->key.get(), key))
-        entry = entry->next.load(std::memory_order_acquire);
-    return entry;
+    return find_record(key_index, hash_name(key),
+                       [=](const LocalConfigEntry &entry) { return are_same(entry.key.get(), key); });
 }
 
 } // namespace
@@ -28,6 +28,7 @@ owned_record<LocalConfigEntry> _new_localconfig(const char *key, const char *val
         return nullptr;
     entry->key.reset(strdup(key));
     entry->value.reset(strdup(value));
+    entry->place.hash = hash_name(key);
     return entry->key && entry->value ? std::move(entry) : nullptr;
 }
 
@@ -35,9 +36,10 @@ const char *add_localconfig(const char *key, const char *value) {
     auto entry = _new_localconfig(key, value);
     if (!entry)
         return nullptr;
-    const char *remembered = entry->value.get();
-    append_record(LocalConfigHead, &LocalConfigEntry::next, std::move(entry));
-    return remembered;
+    LocalConfigEntry *linked = entry.get();
+    end_of_list = append_record(end_of_list, &LocalConfigEntry::next, std::move(entry));
+    add_to_index(key_index, *linked);
+    return linked->value.get();
 }
 
 const char *load_localconfig(const char *key) {
@@ -57,6 +59,9 @@ using namespace zel;
 void terminate_localconfig(void) {
     {
         const held_lock lock = hold(localconfig_lock);
+        for (auto &link : key_index)
+            link.store(nullptr, std::memory_order_relaxed);
+        end_of_list = &LocalConfigHead;
         owned_record<LocalConfigEntry> entry(LocalConfigHead.exchange(nullptr, std::memory_order_relaxed));
         while (entry)
             entry.reset(entry->next.load(std::memory_order_relaxed));

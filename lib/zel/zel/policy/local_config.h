@@ -1,12 +1,12 @@
 // The remembered answers: what the bundle "encbylang" or a built-in rule once gave for a key such as
 // "mail|ja" is the answer as long as the process runs, so that a language costs one look into the bundle.
 //
-// Invariant: the list is that of records.h, under localconfig_lock, which is held too while the bundle is
-// read.
+// Invariant: the list is that of records.h, with an index beside it, under localconfig_lock, which is held
+// too while the bundle is read.
 
 #pragma once
 
-#include "zel/base/records.h"
+#include "zel/base/name_index.h"
 
 namespace zel {
 
@@ -14,6 +14,7 @@ struct LocalConfigEntry {
     heap_string key;
     heap_string value;
     record_link<LocalConfigEntry> next;
+    index_place<LocalConfigEntry> place;
 };
 
 extern record_link<LocalConfigEntry> LocalConfigHead;
