@@ -53,7 +53,10 @@ struct road {
             ZEL_ConvertBuffer(from, to, high.data(), static_cast<int>(high.size()), buf.data(), buf.length());
     }
 
-    bool has_table() const { return zel::find_pair(from, to)->road.table != nullptr; }
+    bool has_table() const {
+        const zel::fast_road &found = zel::find_pair(from, to)->road;
+        return zel::table_of(found.characters) || zel::table_of(found.bytes);
+    }
 
     bool agrees(const std::string &text, std::int32_t size) const {
         const exact_buffer ours(static_cast<std::size_t>(size)), theirs(static_cast<std::size_t>(size));
@@ -167,6 +170,23 @@ TEST(FastRoadOfBytes, gives_what_icu_gives_between_charsets_of_single_bytes) {
         none.earn_table();
         EXPECT_FALSE(none.has_table()) << from << to;
     }
+}
+
+TEST(FastRoadTables, are_shared_by_all_names_that_icu_opens_as_one_charset) {
+    start_library();
+    const auto has_table = [](const char *from, const char *to) {
+        EXPECT_EQ(ZEL_EncodingConverterExists(from, to), 1);
+        return road{from, to}.has_table();
+    };
+    road{"windows-1252", "UTF-8"}.earn_table();
+    road{"windows-1252", "iso-8859-15"}.earn_table();
+    road{"csISO2022JP", "UTF-8"}.earn_table();
+    for (const auto &[from, to] : {std::pair{"cp1252", "UTF-8"}, std::pair{"utf8", "CP-1252,x"},
+                                   std::pair{"cp1252", "latin-9"}, std::pair{"utf-8", "iso-2022-jp"}})
+        EXPECT_TRUE(has_table(from, to)) << from << to;
+    for (const auto &[from, to] : {std::pair{"ibm-1252", "UTF-8"}, std::pair{"latin-9", "windows-1252"},
+                                   std::pair{"iso-2022-jp-2", "UTF-8"}})
+        EXPECT_FALSE(has_table(from, to)) << from << to;
 }
 
 INSTANTIATE_TEST_SUITE_P(Charsets, FastRoad,

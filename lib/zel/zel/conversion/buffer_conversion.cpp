@@ -133,7 +133,7 @@ std::optional<std::int32_t> convert_fast(const charset_pair &pair, std::string_v
 // table.
 lent_converter borrow_for(const charset_pair &pair, std::string_view text) {
     if (pair.cached)
-        note_conversion(pair.cached->road, pair.from_charset, pair.to_charset, text.size());
+        note_conversion(pair.cached->road, text.size());
     return borrow_converter(pair.from_charset, pair.to_charset);
 }
 

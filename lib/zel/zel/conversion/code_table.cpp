@@ -1,7 +1,6 @@
 #include "zel/conversion/code_table.h"
 
 #include "zel/base/ascii_run.h"
-#include "zel/base/charset_names.h"
 #include "zel/base/escape_sequences.h"
 #include "zel/conversion/icu_converter.h"
 
@@ -21,29 +20,14 @@ struct probe {
     std::string_view behind; // bytes that leave it
 };
 
-// And without characters that become something else together, as ICU knows them in EBCDIC alone.
-bool is_without_states(const UConverter *cnv) {
-    switch (ucnv_getType(cnv)) {
-    case UCNV_SBCS:
-    case UCNV_MBCS:
-    case UCNV_LATIN_1:
-    case UCNV_US_ASCII:
-        return true;
-    default:
-        return false;
-    }
-}
-
 probe open_probe(const char *charset) {
     UErrorCode status = U_ZERO_ERROR;
     probe opened = {icu_converter(ucnv_open(charset, &status)), "", ""};
     if (U_FAILURE(status))
         return {};
-    if (same_name(charset, ianaISO2022JP)) {
+    if (kind_of(opened.cnv.get()) == charset_kind::iso2022jp) {
         opened.before = enter_kanji;
         opened.behind = leave_kanji;
-    } else if (!is_without_states(opened.cnv.get())) {
-        return {};
     }
     ucnv_setToUCallBack(opened.cnv.get(), UCNV_TO_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &status);
     ucnv_setFromUCallBack(opened.cnv.get(), UCNV_FROM_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &status);
@@ -140,21 +124,39 @@ bool keeps_ascii(const code_table &table, unsigned first, unsigned last) {
     return true;
 }
 
-owned_code_table new_table() {
-    return owned_code_table(static_cast<code_table *>(std::calloc(1, sizeof(code_table))));
-}
-
-bool is_of_single_bytes(const probe &asked) {
-    return asked.cnv && asked.before.empty() && ucnv_getMaxCharSize(asked.cnv.get()) == 1;
+template <class Table>
+heap<Table> new_table() {
+    return heap<Table>(static_cast<Table *>(std::calloc(1, sizeof(Table))));
 }
 
 } // namespace
 
-owned_code_table build_code_table(const char *charset) {
+// In the last four no byte changes how the next one is read, and no characters become something else
+// together, as ICU knows them in EBCDIC alone.
+charset_kind kind_of(const UConverter *cnv) {
+    UErrorCode status = U_ZERO_ERROR;
+    switch (ucnv_getType(cnv)) {
+    case UCNV_UTF8:
+        return charset_kind::utf8;
+    case UCNV_ISO_2022:
+        return std::string_view(ucnv_getName(cnv, &status)) == "ISO_2022,locale=ja,version=0"
+                   ? charset_kind::iso2022jp
+                   : charset_kind::other;
+    case UCNV_SBCS:
+    case UCNV_MBCS:
+    case UCNV_LATIN_1:
+    case UCNV_US_ASCII:
+        return ucnv_getMaxCharSize(cnv) == 1 ? charset_kind::single_byte : charset_kind::multi_byte;
+    default:
+        return charset_kind::other;
+    }
+}
+
+heap<code_table> build_code_table(const char *charset) {
     const probe asked = open_probe(charset);
     if (!asked.cnv)
         return nullptr;
-    owned_code_table table = new_table();
+    heap<code_table> table = new_table<code_table>();
     if (!table)
         return nullptr;
     take_bytes(*table, asked);
@@ -165,25 +167,21 @@ owned_code_table build_code_table(const char *charset) {
     return keeps_text ? std::move(table) : nullptr;
 }
 
-owned_code_table build_byte_table(const char *from_charset, const char *to_charset) {
+heap<byte_table> build_byte_table(const char *from_charset, const char *to_charset) {
     const probe from = open_probe(from_charset), to = open_probe(to_charset);
-    if (!is_of_single_bytes(from) || !is_of_single_bytes(to))
+    if (!from.cnv || !to.cnv)
         return nullptr;
-    owned_code_table table = new_table();
+    heap<byte_table> table = new_table<byte_table>();
     if (!table)
         return nullptr;
-    table->single_byte = true;
     for (unsigned value = 1; value < 256; ++value) {
         const auto byte = static_cast<char>(value);
         UErrorCode status;
         const UChar character = character_of(from, {&byte, 1}, status);
         const charset_code code = character ? code_of(to, character) : charset_code{};
-        table->singles[value] = {{code[1]}, static_cast<unsigned char>(code[1] ? 1 : 0)};
+        (*table)[value] = {{code[1]}, static_cast<unsigned char>(code[1] ? 1 : 0)};
     }
-    table->singles[0].length = 1;
-    for (unsigned char byte = 1; byte < 0x80; ++byte)
-        if (table->singles[byte].bytes[0] != byte)
-            return nullptr;
+    (*table)[0].length = 1;
     return table;
 }
 

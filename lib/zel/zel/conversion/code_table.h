@@ -9,6 +9,8 @@
 
 #include "zel/base/owned.h"
 
+#include <unicode/ucnv.h>
+
 #include <array>
 
 namespace zel {
@@ -24,23 +26,27 @@ using charset_code = std::array<unsigned char, 2>;
 
 constexpr unsigned char first_lead_byte = 0x80;
 
+// What each byte of a charset becomes: a character of UTF-8, or a byte of another charset.
+using byte_table = std::array<utf8_character, 256>;
+
 struct code_table {
     bool keeps_ascii; // all 128, so that nothing but high bytes needs the table
     bool single_byte; // no byte leads another
-    std::array<utf8_character, 256> singles;
+    byte_table singles;
     std::array<bool, 256> leads;
     std::array<utf8_character, std::size_t{128} * 256> pairs; // by lead byte from 0x80 on, then by trail byte
     std::array<charset_code, 65536> codes;                    // by code point
 };
 
-using owned_code_table = owned<code_table, &std::free>;
+// What a charset is to the fast path. All but UTF-8 and the others can have a table: those whose texts have
+// no states, and ISO-2022-JP.
+enum class charset_kind { other, utf8, iso2022jp, single_byte, multi_byte };
+charset_kind kind_of(const UConverter *cnv);
 
-// A table between two charsets of single bytes that keep all of ASCII: for each byte of the one, singles
-// holds that of the other. Null where ICU does not know them so, and where there is no memory.
-owned_code_table build_byte_table(const char *from_charset, const char *to_charset);
+// Null where ASCII is not the identity in the charset, and where there is no memory.
+heap<code_table> build_code_table(const char *charset);
 
-// Null where ICU does not know the charset, where its text has states or ASCII is not the identity in it, and
-// where there is no memory.
-owned_code_table build_code_table(const char *charset);
+// A table between two charsets of single bytes that keep all of ASCII.
+heap<byte_table> build_byte_table(const char *from_charset, const char *to_charset);
 
 } // namespace zel

@@ -137,7 +137,7 @@ EncodingConverter *load_encodingconverter(const char *from_charset, const char *
     if (!fresh)
         return nullptr;
     if (!pair)
-        prepare_road(fresh->road, from_charset, to_charset, fresh->from_cnv.get(), fresh->to_cnv.get());
+        prepare_road(fresh->road, fresh->from_cnv.get(), fresh->to_cnv.get());
     return append(pair, std::move(fresh));
 }
 

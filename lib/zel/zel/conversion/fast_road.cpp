@@ -1,59 +1,11 @@
 #include "zel/conversion/fast_road.h"
 
-#include "zel/base/charset_names.h"
-#include "zel/base/frame.h"
 #include "zel/base/output.h"
-#include "zel/base/records.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace zel {
 namespace {
-
-constexpr std::uint64_t worth_a_table =
-    std::uint64_t{100} * 1024; // bytes; a host that converts less pays nothing
-
-// One between a charset and UTF-8 serves both directions, and has UTF-8 for its second name.
-struct table_entry {
-    heap_string charset;
-    heap_string other;
-    owned_code_table table; // null where the pair can have none, or none had memory
-    record_link<table_entry> next;
-};
-
-record_link<table_entry> tables{nullptr};
-
-const table_entry *find_table(const char *charset, const char *other) {
-    const table_entry *entry = tables.load(std::memory_order_acquire);
-    while (entry && !(same_name(entry->charset.get(), charset) && same_name(entry->other.get(), other)))
-        entry = entry->next.load(std::memory_order_acquire);
-    return entry;
-}
-
-// Two threads may build the same table at once; either copy serves.
-const table_entry *add_table(const char *charset, const char *other) {
-    owned_record<table_entry> entry = new_record<table_entry>();
-    if (!entry)
-        return nullptr;
-    entry->charset.reset(strdup(charset));
-    entry->other.reset(strdup(other));
-    entry->table = same_name(other, encUTF8) ? build_code_table(charset) : build_byte_table(charset, other);
-    if (!entry->charset || !entry->other)
-        return nullptr;
-    const table_entry *linked = entry.get();
-    const held_lock lock = hold(encodingconverter_lock);
-    append_record(&tables, &table_entry::next, std::move(entry));
-    return linked;
-}
-
-table_conversion choose_conversion(const char *from_charset, const char *to_charset) {
-    if (same_name(from_charset, encUTF8))
-        return same_name(to_charset, ianaISO2022JP) ? convert_utf8_to_jis : convert_from_utf8;
-    if (same_name(to_charset, encUTF8))
-        return same_name(from_charset, ianaISO2022JP) ? convert_jis_to_utf8 : convert_to_utf8;
-    return convert_singles;
-}
 
 // Asked for twice in a row, as a byte may change how the next one is read or written.
 bool keeps(UConverter *from_cnv, UConverter *to_cnv, char byte) {
@@ -80,18 +32,45 @@ ascii_identity kept_ascii(UConverter *from_cnv, UConverter *to_cnv) {
     return kept;
 }
 
+bool can_have_table(charset_kind kind) {
+    return kind != charset_kind::other && kind != charset_kind::utf8;
+}
+
+// What ICU calls the charset, however it was spelled.
+const char *name_of(const UConverter *cnv) {
+    UErrorCode status = U_ZERO_ERROR;
+    return ucnv_getName(cnv, &status);
+}
+
+verdict walk_road(const fast_road &road, byte_pass &pass) {
+    if (const code_table *table = table_of(road.characters))
+        return road.convert(*table, pass);
+    if (const byte_table *table = table_of(road.bytes))
+        return convert_singles(*table, pass);
+    return copy_ascii(road.kept, pass);
+}
+
 } // namespace
 
-void prepare_road(fast_road &road, const char *from_charset, const char *to_charset, UConverter *from_cnv,
-                  UConverter *to_cnv) {
+void prepare_road(fast_road &road, UConverter *from_cnv, UConverter *to_cnv) {
     road.kept = kept_ascii(from_cnv, to_cnv);
-    road.convert = road.kept.any() ? choose_conversion(from_charset, to_charset) : nullptr;
+    if (road.kept.none())
+        return;
+    const charset_kind from = kind_of(from_cnv), to = kind_of(to_cnv);
+    if (from == charset_kind::utf8 && can_have_table(to)) {
+        road.convert = to == charset_kind::iso2022jp ? convert_utf8_to_jis : convert_from_utf8;
+        road.characters = share_code_table(name_of(to_cnv));
+    } else if (can_have_table(from) && to == charset_kind::utf8) {
+        road.convert = from == charset_kind::iso2022jp ? convert_jis_to_utf8 : convert_to_utf8;
+        road.characters = share_code_table(name_of(from_cnv));
+    } else if (from == charset_kind::single_byte && to == charset_kind::single_byte && road.kept.all()) {
+        road.bytes = share_byte_table(name_of(from_cnv), name_of(to_cnv));
+    }
 }
 
 verdict convert_by_road(const fast_road &road, std::string_view text, char *to_buf, std::int32_t to_size,
                         std::int32_t &length) {
-    const code_table *table = road.table.load(std::memory_order_acquire);
-    if (to_size < 0 || (!table && road.kept.none()))
+    if (to_size < 0 || road.kept.none())
         return verdict::undecided;
     // ICU takes all of the text in before it writes, and so it may convert in place.
     if (overlap(text, {to_buf, static_cast<std::size_t>(to_size)}))
@@ -99,32 +78,18 @@ verdict convert_by_road(const fast_road &road, std::string_view text, char *to_b
     auto *from = reinterpret_cast<const unsigned char *>(text.data());
     auto *to = reinterpret_cast<unsigned char *>(to_buf);
     byte_pass pass = {from, from + text.size(), to, to + to_size};
-    const verdict answer = table ? road.convert(*table, pass) : copy_ascii(road.kept, pass);
+    const verdict answer = walk_road(road, pass);
     length = static_cast<std::int32_t>(pass.to - to);
     if (answer == verdict::done && pass.to != pass.to_end)
         *pass.to = '\0';
     return answer;
 }
 
-void note_conversion(fast_road &road, const char *from_charset, const char *to_charset, std::size_t bytes) {
-    if (!road.convert || road.table.load(std::memory_order_relaxed))
-        return;
-    const std::uint64_t before = road.converted.fetch_add(bytes, std::memory_order_relaxed);
-    if (before / worth_a_table == (before + bytes) / worth_a_table)
-        return;
-    if (same_name(from_charset, encUTF8))
-        std::swap(from_charset, to_charset);
-    const table_entry *entry = find_table(from_charset, to_charset);
-    if (!entry)
-        entry = add_table(from_charset, to_charset);
-    if (entry)
-        road.table.store(entry->table.get(), std::memory_order_release);
-}
-
-void release_tables() {
-    owned_record<table_entry> entry(tables.exchange(nullptr, std::memory_order_relaxed));
-    while (entry)
-        entry.reset(entry->next.load(std::memory_order_relaxed));
+void note_conversion(const fast_road &road, std::size_t bytes) {
+    if (road.characters)
+        earn_table(*road.characters, bytes);
+    else if (road.bytes)
+        earn_table(*road.bytes, bytes);
 }
 
 } // namespace zel

@@ -86,7 +86,7 @@ bool convert_block_to_singles(const code_table &table, byte_pass &pass) {
 } // namespace
 
 // Byte by byte without a branch, as the runs of ASCII are short.
-verdict convert_singles(const code_table &table, byte_pass &whole) {
+verdict convert_singles(const byte_table &table, byte_pass &whole) {
     return walk(whole, [&](byte_pass &pass) {
         if (!any(is_high(load_bytes(pass.from)))) {
             copy_run<ascii_run::whole>(pass);
@@ -95,7 +95,7 @@ verdict convert_singles(const code_table &table, byte_pass &whole) {
         const std::size_t bytes = std::min(left(pass), lane_step);
         bool found = true;
         for (std::size_t i = 0; i < bytes; ++i)
-            found &= put_character(pass, table.singles[pass.from[i]]);
+            found &= put_character(pass, table[pass.from[i]]);
         pass.from += bytes;
         return found;
     });

@@ -65,7 +65,7 @@ verdict convert_utf8_to_pairs(const code_table &table, byte_pass &whole) {
 verdict convert_to_utf8(const code_table &table, byte_pass &pass) {
     if (!table.keeps_ascii)
         return convert_pairs_to_utf8<ascii_run::text>(table, pass);
-    return table.single_byte ? convert_singles(table, pass)
+    return table.single_byte ? convert_singles(table.singles, pass)
                              : convert_pairs_to_utf8<ascii_run::whole>(table, pass);
 }
 

@@ -18,9 +18,8 @@ using table_conversion = verdict (*)(const code_table &, byte_pass &);
 verdict convert_to_utf8(const code_table &table, byte_pass &pass);
 verdict convert_from_utf8(const code_table &table, byte_pass &pass);
 
-// The same for charsets without pairs that keep all of ASCII. The first serves tables between two of them
-// too.
-verdict convert_singles(const code_table &table, byte_pass &pass);
+// The same for charsets without pairs that keep all of ASCII. The first serves two of them as well.
+verdict convert_singles(const byte_table &table, byte_pass &pass);
 verdict convert_utf8_to_singles(const code_table &table, byte_pass &pass);
 
 // The same for ISO-2022-JP, whose text has states.
