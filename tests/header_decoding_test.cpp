@@ -37,8 +37,11 @@ void expect_rows(const char *language, const char *to_charset, const std::vector
 
 TEST(HeaderDecoding, words_are_decoded_and_converted) {
     start_library();
+    const std::string six_charsets = "=?iso-8859-1?Q?=FC?==?windows-1252?Q?=80?==?utf-8?Q?=C3=A9?="
+                                     "=?ISO-8859-1?Q?=E4?==?us-ascii?Q?a?==?utf-7?Q?+AOk-?=";
     expect_rows("de", "UTF-8",
                 {{"=?iso-8859-1?Q?Gr=FC=dfe_?= x", "Grüße  x"},
+                 {six_charsets + six_charsets, "ü€éäaéü€éäaé"},
                  {"=?ISO-8859-1*en?q?a?==?windows-1252?b?gA==?=", "a€"},
                  {"=?*?Q?x?==??Q?y?=", "xy"},
                  {"=?utf-8*0123456789?Q?x?=", "x"},

@@ -204,17 +204,29 @@ word_road choose_road(const header_pass &pass, const char *charset) {
     return {direct ? road::direct : road::by_pair, pair, direct};
 }
 
-// The charset of the last word, which is as a rule that of the next one too, and the road from it.
 struct known_charset {
     char buf[longest_charset + 1];
-    std::string_view name;
+    std::string_view name; // in buf
     word_road chosen;
 };
 
-void learn(const header_pass &pass, std::string_view charset, known_charset &last) {
-    *std::copy(charset.begin(), charset.end(), last.buf) = '\0';
-    last.name = {last.buf, charset.size()};
-    last.chosen = choose_road(pass, last.buf);
+// The charsets of words that came before, which are as a rule those of the next ones too.
+struct known_charsets {
+    std::array<known_charset, 4> latest;
+    std::size_t met = 0;
+};
+
+known_charset *find_known(std::string_view charset, known_charsets &known) {
+    for (std::size_t i = 0; i < std::min(known.met, known.latest.size()); ++i)
+        if (known.latest[i].name == charset)
+            return &known.latest[i];
+    return nullptr;
+}
+
+void learn(const header_pass &pass, std::string_view charset, known_charset &known) {
+    *std::copy(charset.begin(), charset.end(), known.buf) = '\0';
+    known.name = {known.buf, charset.size()};
+    known.chosen = choose_road(pass, known.buf);
 }
 
 bool is_b(const encoded_word &word) {
@@ -226,13 +238,17 @@ bool is_q(const encoded_word &word) {
 }
 
 // A charset that could not be converted from may be by the next word, when there is memory again.
-const word_road &road_of(const header_pass &pass, const encoded_word &word, known_charset &last) {
+const word_road &road_of(const header_pass &pass, const encoded_word &word, known_charsets &known) {
     static constexpr word_road undecoded = {road::raw, {}, nullptr};
     if (!is_b(word) && !is_q(word))
         return undecoded;
-    if (last.chosen.how == road::raw || word.charset != last.name)
-        learn(pass, word.charset, last);
-    return last.chosen;
+    known_charset *found = find_known(word.charset, known);
+    if (found && found->chosen.how != road::raw)
+        return found->chosen;
+    if (!found)
+        found = &known.latest[known.met++ % known.latest.size()];
+    learn(pass, word.charset, *found);
+    return found->chosen;
 }
 
 std::string_view decode(const header_pass &pass, const encoded_word &word) {
@@ -245,8 +261,8 @@ input bytes_of(std::string_view text) {
     return input_from(text.data(), saturate(text.size()));
 }
 
-bool put_word(const header_pass &pass, const encoded_word &word, known_charset &last, output &to) {
-    const word_road &chosen = road_of(pass, word, last);
+bool put_word(const header_pass &pass, const encoded_word &word, known_charsets &known, output &to) {
+    const word_road &chosen = road_of(pass, word, known);
     if (chosen.how == road::raw)
         return put(to, word.raw);
     const std::string_view decoded = decode(pass, word);
@@ -281,9 +297,9 @@ void put_tail(const header_pass &pass, std::string_view tail, output &to) {
         put_some_converted(to, look_up(ianaISO2022JP, pass.to_charset), tail);
 }
 
-bool put_piece(const header_pass &pass, const piece &taken, known_charset &last, output &to) {
+bool put_piece(const header_pass &pass, const piece &taken, known_charsets &known, output &to) {
     if (taken.what == piece::kind::word)
-        return put_word(pass, taken.word, last, to);
+        return put_word(pass, taken.word, known, to);
     if (taken.what == piece::kind::tail)
         put_tail(pass, taken.text, to);
     else if (!put_some(to, taken.text))
@@ -293,15 +309,15 @@ bool put_piece(const header_pass &pass, const piece &taken, known_charset &last,
 
 void put_value(const header_pass &pass, output &to) {
     std::string_view rest = pass.text;
-    known_charset last = {};
-    while (put_piece(pass, take_piece(rest, pass.longest_raw), last, to))
+    known_charsets known;
+    while (put_piece(pass, take_piece(rest, pass.longest_raw), known, to))
         ;
 }
 
-std::uint64_t documented_size(const header_pass &pass, const piece &taken, known_charset &last) {
+std::uint64_t documented_size(const header_pass &pass, const piece &taken, known_charsets &known) {
     if (taken.what != piece::kind::word)
         return taken.text.size();
-    const word_road &chosen = road_of(pass, taken.word, last);
+    const word_road &chosen = road_of(pass, taken.word, known);
     if (chosen.how == road::raw)
         return taken.word.raw.size();
     const std::size_t decoded = decode(pass, taken.word).size();
@@ -344,10 +360,10 @@ std::int32_t estimate(const header_pass &pass, std::int32_t from_len) {
     std::uint64_t documented = 0;
     bool needs_more = false;
     std::string_view rest = pass.text;
-    known_charset last = {};
+    known_charsets known;
     for (bool ended = false; !ended;) {
         const piece taken = take_piece(rest, pass.longest_raw);
-        documented += documented_size(pass, taken, last);
+        documented += documented_size(pass, taken, known);
         needs_more = needs_more || may_need_more(pass, taken);
         ended = ends_value(taken);
     }
