@@ -1,16 +1,12 @@
-// Japanese text. The two encoders share the change between single bytes and double-byte runs, the two
-// decoders the reading of modes; each of the four then only says how a character is written, and how a lane
-// of pairs.
+// Japanese text between EUC-JP, Shift_JIS and ISO-2022-JP with the half-width kana forms that mailers add to
+// it. The two encoders share the change between single bytes and runs of kanji, the two decoders the reading
+// of modes; each of the four then only says how a character is written, and how a vector of them.
 //
 // Invariant: what decides how the next byte is read lives on the stack of one call.
 
-#include "conv_ja.h"
-
-#include "conv.h"
-#include "conv_runs.h"
 #include "zel.h"
-#include "zel/base/escape_sequences.h"
 #include "zel/base/frame.h"
+#include "zel/direct/converters.h"
 
 // clang-format off
 const unsigned char KanaTbl[63][3] = {
@@ -39,8 +35,7 @@ constexpr unsigned char SI = 0x0F;
 constexpr unsigned char DEL = 0x7F;
 constexpr unsigned char eucjp_kana_prefix = 0x8E;
 
-using pair_words = std::int16_t __attribute__((vector_size(lane_step)));
-using unsigned_words = std::uint16_t __attribute__((vector_size(lane_step)));
+using numbers = std::int16_t __attribute__((vector_size(vector_size)));
 
 template <class Number>
 struct number_pair {
@@ -48,33 +43,20 @@ struct number_pair {
     Number second;
 };
 
-// The pairs of a lane as numbers, to do arithmetic on.
-number_pair<pair_words> pairs_of(signed_bytes bytes) {
-    const auto low = reinterpret_cast<pair_words>(bytes) & 0xFF;
-    const auto high = reinterpret_cast<pair_words>(reinterpret_cast<unsigned_words>(bytes) >> 8);
-    return is_little_endian ? number_pair<pair_words>{low, high} : number_pair<pair_words>{high, low};
-}
-
-void store_pairs(unsigned char *to, const number_pair<pair_words> &pairs) {
-    const pair_words low = (is_little_endian ? pairs.first : pairs.second) & 0xFF;
-    const pair_words high = is_little_endian ? pairs.second : pairs.first;
-    store_bytes(to, reinterpret_cast<signed_bytes>(low | high << 8));
-}
-
 // A value for one character, or for eight of them at once, where a condition holds, and 0 elsewhere.
 int where(bool holds, int value) {
     return holds ? value : 0;
 }
 
-pair_words where(pair_words holds, int value) {
+numbers where(numbers holds, int value) {
     return holds & static_cast<std::int16_t>(value);
 }
 
-// A lead of Shift_JIS stands for two rows of JIS X 0208, an odd one and the even one behind it.
+// A lead byte of Shift_JIS stands for two rows of JIS X 0208, an odd one and the even one behind it.
 template <class Number>
 number_pair<Number> jis_of_sjis(Number lead, Number trail) {
     const Number odd_row = 2 * (lead - 0x71 - where(lead > 0x9F, 0x40)) + 1;
-    const Number place = trail - where(trail > 0x7F, 1); // 0x7F itself is no trail
+    const Number place = trail - where(trail > 0x7F, 1); // 0x7F itself is no trail byte
     return {odd_row + where(place >= 0x9E, 1), place - 0x1F - where(place >= 0x9E, 0x5E)};
 }
 
@@ -85,8 +67,16 @@ number_pair<Number> sjis_of_jis(Number row, Number cell) {
     return {lead + where(lead > 0x9F, 0x40), trail + where(trail >= 0x7F, 1)};
 }
 
-bool put_numbers(output &to, number_pair<int> pair) {
-    return put_pair(to, static_cast<unsigned char>(pair.first), static_cast<unsigned char>(pair.second));
+// Eight pairs of bytes at once, the first and the second bytes as numbers.
+template <class Rule>
+void change_by_rule(unsigned char *to, vector_bytes bytes, Rule rule) {
+    const byte_pairs<numbers> pairs = split_pairs<numbers>(bytes);
+    const number_pair<numbers> changed = rule(pairs.first, pairs.second);
+    store_vector(to, join_pairs<numbers>({changed.first, changed.second}));
+}
+
+bool put_numbers(cursors &at, number_pair<int> pair) {
+    return put(at, static_cast<unsigned char>(pair.first), static_cast<unsigned char>(pair.second));
 }
 
 constexpr unsigned char first_kana = 0xA1;
@@ -105,127 +95,100 @@ bool is_sjis_lead(unsigned char byte) {
 }
 
 struct eucjp_to_jis {
-    static constexpr bool needs_trail = true;
-
-    static signed_bytes are_leads(signed_bytes bytes) {
-        return is_high(bytes) & ~is_byte(bytes, eucjp_kana_prefix);
+    static vector_mask are_leads(vector_bytes bytes) {
+        return are_high(bytes) & ~are_byte(bytes, eucjp_kana_prefix);
     }
-    static bool is_regular(unsigned char byte) { return byte != eucjp_kana_prefix; }
-
-    static void change_pairs(unsigned char *to, const unsigned char *from) {
-        store_bytes(to, load_bytes(from) & static_cast<signed char>(0x7F));
-    }
-
-    static bool put_kanji(input &from, output &to) {
-        const unsigned char byte = take(from);
-        if (byte != eucjp_kana_prefix)
-            return put(to, without_high_bit(byte)) && (ended(from) || put(to, without_high_bit(take(from))));
-        const unsigned char kana = take(from);
-        return !is_kana(kana) || (put(to, full_width(kana)[0]) && put(to, full_width(kana)[1]));
-    }
-
+    static bool is_lead(unsigned char byte) { return byte >= 0x80 && byte != eucjp_kana_prefix; }
     static bool is_kanji(unsigned char byte) { return byte >= 0x80; }
+
+    static void change_vector(unsigned char *to, const unsigned char *from) {
+        store_vector(to, load_vector(from) & 0x7F);
+    }
+
+    static bool put_kanji(unsigned char byte, cursors &at) {
+        if (byte != eucjp_kana_prefix)
+            return put(at, without_high_bit(byte)) && (ended(at) || put(at, without_high_bit(take(at))));
+        const unsigned char kana = take(at);
+        return !is_kana(kana) || (put(at, full_width(kana)[0]) && put(at, full_width(kana)[1]));
+    }
 };
 
 struct sjis_to_jis {
-    static constexpr bool needs_trail = false;
-
-    static signed_bytes are_leads(signed_bytes bytes) {
-        return is_between(bytes, 0x81, 0x9F) | is_between(bytes, 0xE0, 0xFC);
+    static vector_mask are_leads(vector_bytes bytes) {
+        return are_between(bytes, 0x81, 0x9F) | are_between(bytes, 0xE0, 0xFC);
     }
-    static bool is_regular(unsigned char byte) { return byte < 0x80 || is_sjis_lead(byte); }
-
-    static void change_pairs(unsigned char *to, const unsigned char *from) {
-        const auto [leads, trails] = pairs_of(load_bytes(from));
-        store_pairs(to, jis_of_sjis(leads, trails));
-    }
-
-    static bool put_kanji(input &from, output &to) {
-        const unsigned char byte = take(from);
-        if (is_sjis_lead(byte))
-            return put_numbers(to, jis_of_sjis<int>(byte, take(from)));
-        return put_pair(to, full_width(byte)[0], full_width(byte)[1]);
-    }
-
+    static bool is_lead(unsigned char byte) { return is_sjis_lead(byte); }
     static bool is_kanji(unsigned char byte) { return is_sjis_lead(byte) || is_kana(byte); }
+
+    static void change_vector(unsigned char *to, const unsigned char *from) {
+        change_by_rule(to, load_vector(from), jis_of_sjis<numbers>);
+    }
+
+    static bool put_kanji(unsigned char byte, cursors &at) {
+        if (is_sjis_lead(byte))
+            return put_numbers(at, jis_of_sjis<int>(byte, take(at)));
+        return put(at, full_width(byte)[0], full_width(byte)[1]);
+    }
 };
 
-// Text on its way to ISO-2022-JP, which has a sequence at each change between ASCII and kanji.
+// Text on its way to ISO-2022-JP, which has an escape sequence at each change between ASCII and kanji.
 template <class Charset>
 struct text_to_jis {
-    bool kanji = false;
+    jis_writer writer;
 
-    static constexpr bool needs_trail = Charset::needs_trail;
+    static constexpr auto policy = when_full::keep_characters;
+    static constexpr std::size_t reads = runs_read;
+    static constexpr std::size_t writes = step_writes;
 
-    static signed_bytes ends_singles(signed_bytes bytes) { return is_high(bytes); }
-    static signed_bytes ends_pairs(signed_bytes bytes) { return ~Charset::are_leads(bytes); }
-    static bool takes_step(unsigned char byte) { return Charset::is_regular(byte); }
+    static vector_mask ends_singles(vector_bytes bytes) { return are_high(bytes); }
+    static vector_mask ends_pairs(vector_bytes bytes) { return ~Charset::are_leads(bytes); }
 
-    void change_set(bool to_kanji, byte_pass &pass) {
-        if (kanji == to_kanji)
-            return;
-        kanji = to_kanji;
-        std::memcpy(pass.to, (to_kanji ? enter_kanji : leave_kanji).data(), longest_escape);
-        pass.to += longest_escape;
+    bool begin_run(bool of_kanji, cursors &at) { return writer.change_set(of_kanji, at); }
+    static bool put_pairs(cursors &at, std::size_t bytes) {
+        return change_pairs(at, bytes, Charset::change_vector);
     }
 
-    void step(bit_per_byte singles, bit_per_byte pairs, byte_pass &pass) {
-        const std::size_t start = length_of_singles(singles);
-        if (start)
-            change_set(false, pass);
-        copy_singles(pass, start);
-        const std::size_t length = length_of_pairs(pairs, start);
-        if (length) {
-            change_set(true, pass);
-            copy_pairs(pass, length, Charset::change_pairs);
-        }
-    }
+    static bool begins_run(unsigned char byte) { return byte < 0x80 || Charset::is_lead(byte); }
+    void take_runs(const chunk &of, std::size_t place, cursors &at) { take_led_runs(*this, of, place, at); }
 
-    bool put_set(bool to_kanji, output &to) {
-        if (kanji == to_kanji)
-            return true;
-        kanji = to_kanji;
-        return put(to, to_kanji ? enter_kanji : leave_kanji);
-    }
+    status block_step(cursors &at) { return take_chunk(*this, at); }
 
-    bool take_unit(input &from, output &to) {
-        const bool is_kanji = Charset::is_kanji(peek(from));
-        if (!put_set(is_kanji, to))
-            return false;
-        return is_kanji ? Charset::put_kanji(from, to) : put(to, take(from));
+    status scalar_step(cursors &at) {
+        const unsigned char byte = take(at);
+        const bool is_kanji = Charset::is_kanji(byte);
+        return done_if(begin_run(is_kanji, at) && (is_kanji ? Charset::put_kanji(byte, at) : put(at, byte)));
     }
 };
 
 template <class Charset>
 void convert_to_jis(input from, output &to) {
     text_to_jis<Charset> text;
-    if (convert_by_steps(text, from, to))
-        text.put_set(false, to);
+    if (convert_directly(text, from, to) == status::done && text.writer.in_kanji)
+        put(to, leave_kanji);
 }
 
 enum class mode { ASCII, KANJI, KANA };
 
 struct to_eucjp {
-    static constexpr auto change_pairs = copy_with_high_bits;
+    static constexpr auto change_vector = copy_with_high_bits;
 
-    static bool put_kanji(output &to, unsigned char first, unsigned char second) {
-        return put_high_pair(to, first, second);
+    static bool put_kanji(cursors &at, unsigned char first, unsigned char second) {
+        return put_with_high_bits(at, first, second);
     }
-    static bool put_kana(output &to, unsigned char byte) {
-        return put_high_pair(to, eucjp_kana_prefix, byte);
+    static bool put_kana(cursors &at, unsigned char byte) {
+        return put_with_high_bits(at, eucjp_kana_prefix, byte);
     }
 };
 
 struct to_sjis {
-    static void change_pairs(unsigned char *to, const unsigned char *from) {
-        const auto [rows, cells] = pairs_of(load_bytes(from) & static_cast<signed char>(0x7F));
-        store_pairs(to, sjis_of_jis(rows, cells));
+    static void change_vector(unsigned char *to, const unsigned char *from) {
+        change_by_rule(to, load_vector(from) & 0x7F, sjis_of_jis<numbers>);
     }
 
-    static bool put_kanji(output &to, unsigned char first, unsigned char second) {
-        return put_numbers(to, sjis_of_jis<int>(without_high_bit(first), without_high_bit(second)));
+    static bool put_kanji(cursors &at, unsigned char first, unsigned char second) {
+        return put_numbers(at, sjis_of_jis<int>(without_high_bit(first), without_high_bit(second)));
     }
-    static bool put_kana(output &to, unsigned char byte) { return put(to, with_high_bit(byte)); }
+    static bool put_kana(cursors &at, unsigned char byte) { return put(at, with_high_bit(byte)); }
 };
 
 // ISO-2022-JP on its way to another charset.
@@ -234,17 +197,22 @@ struct text_from_jis {
     mode current = mode::ASCII;
     mode saved = mode::ASCII;
     bool pass_8bit = passes_8bit();
+    bool in_pairs = false; // for a step
 
-    static constexpr bool needs_trail = false;
+    static constexpr auto policy = when_full::keep_characters;
+    static constexpr std::size_t reads = runs_read;
+    static constexpr std::size_t writes = step_writes;
     static constexpr std::size_t opening = 3;
     static constexpr std::size_t closing = 3;
-    static constexpr auto change_pairs = Charset::change_pairs;
 
-    static signed_bytes ends_singles(signed_bytes bytes) {
-        return is_high(bytes) | is_between(bytes, SO, ESC); // the controls between them are rare
+    static vector_mask ends_singles(vector_bytes bytes) {
+        return are_high(bytes) | are_between(bytes, SO, ESC); // the controls between them are rare
     }
-    static signed_bytes ends_pairs(signed_bytes bytes) {
-        return (bytes < ' ') | is_byte(bytes, DEL); // high bytes are negative
+    static vector_mask ends_pairs(vector_bytes bytes) {
+        return are_between(bytes, 0, ' ' - 1) | are_byte(bytes, DEL);
+    }
+    static bool put_pairs(cursors &at, std::size_t bytes) {
+        return change_pairs(at, bytes, Charset::change_vector);
     }
     static bool opens_pairs(const unsigned char *at) {
         return at[0] == ESC && at[1] == '$' && (at[2] == 'B' || at[2] == '@');
@@ -252,17 +220,20 @@ struct text_from_jis {
     static bool closes_pairs(const unsigned char *at) {
         return at[0] == ESC && at[1] == '(' && (at[2] == 'B' || at[2] == 'J');
     }
-    bool takes_step(unsigned char byte) const {
-        return current != mode::KANA && (byte < 0x80 || current == mode::KANJI);
+
+    bool begins_run(unsigned char byte) const {
+        return current == mode::KANJI ? byte >= ' ' && byte != DEL : current == mode::ASCII && byte < 0x80;
+    }
+    void take_runs(const chunk &of, std::size_t place, cursors &at) {
+        in_pairs = current == mode::KANJI;
+        take_shifted_runs(*this, of, place, at);
+        current = in_pairs ? mode::KANJI : mode::ASCII;
     }
 
-    void step(bit_per_byte singles, bit_per_byte pairs, byte_pass &pass) {
-        const bool kanji = current == mode::KANJI;
-        current = step_through_shifts<text_from_jis>(singles, pairs, pass, kanji) ? mode::KANJI : mode::ASCII;
-    }
+    status block_step(cursors &at) { return take_chunk(*this, at); }
 
-    bool take_escape(input &from) {
-        const unsigned char bytes[] = {peek(from), peek(from, 1), peek(from, 2)};
+    bool take_escape(unsigned char byte, cursors &at) {
+        const unsigned char bytes[] = {byte, peek(at), peek(at, 1)};
         if (opens_pairs(bytes))
             current = mode::KANJI;
         else if (closes_pairs(bytes))
@@ -271,12 +242,12 @@ struct text_from_jis {
             current = mode::KANA;
         else
             return false;
-        from.at += sizeof bytes;
+        at.from += 2;
         return true;
     }
 
-    void take_shift(input &from) {
-        if (take(from) == SO) {
+    void take_shift(unsigned char byte) {
+        if (byte == SO) {
             saved = current;
             current = mode::KANA;
         } else {
@@ -291,40 +262,41 @@ struct text_from_jis {
         current = mode::ASCII;
     }
 
-    // True if what stands next only told how to read on.
-    bool take_mode(input &from) {
-        const unsigned char byte = peek(from);
+    // True if the byte only begins what tells how to read on.
+    bool take_mode(unsigned char byte, cursors &at) {
         if (byte == SO || byte == SI) {
-            take_shift(from);
+            take_shift(byte);
             return true;
         }
-        if (take_escape(from))
+        if (take_escape(byte, at))
             return true;
         if (byte < ' ' || byte == DEL)
             end_run();
         return false;
     }
 
-    bool put_character(input &from, output &to) const {
-        const unsigned char byte = take(from);
+    bool put_character(unsigned char byte, cursors &at) const {
         switch (current) {
         case mode::KANJI:
-            return Charset::put_kanji(to, byte, take(from));
+            return Charset::put_kanji(at, byte, take(at));
         case mode::KANA:
-            return Charset::put_kana(to, byte);
+            return Charset::put_kana(at, byte);
         case mode::ASCII:
             break;
         }
-        return put(to, as_7bit(byte, pass_8bit));
+        return put(at, as_7bit(byte, pass_8bit));
     }
 
-    bool take_unit(input &from, output &to) { return take_mode(from) || put_character(from, to); }
+    status scalar_step(cursors &at) {
+        const unsigned char byte = take(at);
+        return done_if(take_mode(byte, at) || put_character(byte, at));
+    }
 };
 
 template <class Charset>
 void convert_from_jis(input from, output &to) {
     text_from_jis<Charset> text;
-    convert_by_steps(text, from, to);
+    convert_directly(text, from, to);
 }
 
 } // namespace

@@ -1,12 +1,9 @@
 // ISO-2022-KR to EUC-KR (RFC 1557). A designation opens the text to SO and SI; in a Korean run each character
 // but the space is a pair, so that a line feed in one begins a pair too.
 
-#include "conv_ko.h"
-
-#include "conv.h"
-#include "conv_runs.h"
 #include "zel.h"
 #include "zel/base/frame.h"
+#include "zel/direct/converters.h"
 
 namespace zel {
 namespace {
@@ -21,54 +18,62 @@ enum class state { UNDESIGNATED, ASCII, KOREAN };
 struct korean_text {
     state current = state::UNDESIGNATED;
     bool pass_8bit = passes_8bit();
+    bool in_pairs = false; // for a step
 
-    static constexpr bool needs_trail = false;
+    static constexpr auto policy = when_full::keep_characters;
+    static constexpr std::size_t reads = runs_read;
+    static constexpr std::size_t writes = step_writes;
     static constexpr std::size_t opening = 1;
     static constexpr std::size_t closing = 1;
-    static constexpr auto change_pairs = copy_with_high_bits;
 
-    static signed_bytes are_shifts(signed_bytes bytes) {
-        return is_between(bytes, SO, SI) | is_byte(bytes, ESC);
+    static vector_mask are_shifts(vector_bytes bytes) {
+        return are_between(bytes, SO, SI) | are_byte(bytes, ESC);
     }
-    static signed_bytes ends_singles(signed_bytes bytes) { return is_high(bytes) | are_shifts(bytes); }
-    static signed_bytes ends_pairs(signed_bytes bytes) { return is_byte(bytes, ' ') | are_shifts(bytes); }
+    static vector_mask ends_singles(vector_bytes bytes) { return are_high(bytes) | are_shifts(bytes); }
+    static vector_mask ends_pairs(vector_bytes bytes) { return are_byte(bytes, ' ') | are_shifts(bytes); }
+    static bool put_pairs(cursors &at, std::size_t bytes) {
+        return change_pairs(at, bytes, copy_with_high_bits);
+    }
     static bool opens_pairs(const unsigned char *at) { return *at == SO; }
     static bool closes_pairs(const unsigned char *at) { return *at == SI; }
-    bool takes_step(unsigned char byte) const {
+
+    bool begins_run(unsigned char byte) const {
         return current != state::UNDESIGNATED && (byte < 0x80 || current == state::KOREAN);
     }
-
-    void step(bit_per_byte singles, bit_per_byte pairs, byte_pass &pass) {
-        const bool korean = current == state::KOREAN;
-        current =
-            step_through_shifts<korean_text>(singles, pairs, pass, korean) ? state::KOREAN : state::ASCII;
+    void take_runs(const chunk &of, std::size_t place, cursors &at) {
+        in_pairs = current == state::KOREAN;
+        take_shifted_runs(*this, of, place, at);
+        current = in_pairs ? state::KOREAN : state::ASCII;
     }
 
-    bool take_designation(input &from) {
-        if (!std::string_view(reinterpret_cast<const char *>(from.at), left(from)).starts_with(designation))
+    status block_step(cursors &at) { return take_chunk(*this, at); }
+
+    bool take_designation(cursors &at) {
+        if (!std::string_view(reinterpret_cast<const char *>(at.from), left(at)).starts_with(designation))
             return false;
-        from.at += designation.size();
+        at.from += designation.size();
         current = state::ASCII;
         return true;
     }
 
-    bool take_shift(input &from) {
-        const unsigned char byte = peek(from);
+    bool take_shift(unsigned char byte) {
         if (current == state::UNDESIGNATED || (byte != SO && byte != SI))
             return false;
-        current = take(from) == SO ? state::KOREAN : state::ASCII;
+        current = byte == SO ? state::KOREAN : state::ASCII;
         return true;
     }
 
-    bool put_character(input &from, output &to) const {
-        const unsigned char byte = take(from);
+    bool put_character(unsigned char byte, cursors &at) const {
         if (current == state::KOREAN && byte != ' ')
-            return put_high_pair(to, byte, take(from));
-        return put(to, as_7bit(byte, pass_8bit));
+            return put_with_high_bits(at, byte, take(at));
+        return put(at, as_7bit(byte, pass_8bit));
     }
 
-    bool take_unit(input &from, output &to) {
-        return take_designation(from) || take_shift(from) || put_character(from, to);
+    status scalar_step(cursors &at) {
+        if (take_designation(at))
+            return status::done;
+        const unsigned char byte = take(at);
+        return done_if(take_shift(byte) || put_character(byte, at));
     }
 };
 
@@ -76,7 +81,7 @@ struct korean_text {
 
 void convert_iso2022kr_to_euckr(input from, output &to) {
     korean_text text;
-    convert_by_steps(text, from, to);
+    convert_directly(text, from, to);
 }
 
 } // namespace zel

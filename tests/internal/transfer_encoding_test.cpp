@@ -3,7 +3,9 @@
 
 #include "support.h"
 
-#include "zel/base/transfer_encoding.h"
+#include "zel/base/escapes.h"
+#include "zel/codec/base64.h"
+#include "zel/codec/quoted_printable.h"
 
 #include <random>
 

@@ -5,9 +5,11 @@
 
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <string_view>
 
 namespace zel {
 
@@ -29,6 +31,10 @@ inline input input_from(const char *buf, std::int32_t len) {
     const auto *start = reinterpret_cast<const unsigned char *>(buf);
     const std::size_t bytes = buf && len > 0 ? strnlen(buf, static_cast<std::size_t>(len)) : 0;
     return {start, start + bytes};
+}
+
+inline input input_from(std::string_view text) {
+    return input_from(text.data(), static_cast<std::int32_t>(std::min<std::size_t>(text.size(), INT32_MAX)));
 }
 
 inline std::size_t left(const input &from) {

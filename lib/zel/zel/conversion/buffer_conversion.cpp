@@ -1,13 +1,11 @@
 #include "zel/conversion/buffer_conversion.h"
 
-#include "conv.h"
-#include "conv_zh_cn.h"
 #include "zel.h"
 #include "zel/base/charset_names.h"
 #include "zel/base/frame.h"
-#include "zel/base/input.h"
+#include "zel/base/utf16_text.h"
 #include "zel/conversion/converter_cache.h"
-#include "zel/conversion/utf16_text.h"
+#include "zel/conversion/routes.h"
 
 namespace zel {
 namespace {
@@ -16,26 +14,6 @@ std::string_view resolve(const char *buf, std::int32_t len) {
     return {buf,
             len < 0 ? static_cast<std::size_t>(saturate(std::strlen(buf))) : static_cast<std::size_t>(len)};
 }
-
-// Pairs that a converter of our own serves, as body and header decoding call it; a byte of theirs has a known
-// worst case.
-struct fixed_size {
-    const char *from_charset;
-    const char *to_charset;
-    std::uint64_t factor;
-};
-
-constexpr fixed_size fixed_sizes[] = {
-    {ianaISO2022JP, ianaEUCJP, 2}, {ianaISO2022JP, ianaSHIFTJIS, 1}, {ianaSHIFTJIS, ianaISO2022JP, 2},
-    {ianaEUCJP, ianaISO2022JP, 2}, {ianaISO2022KR, ianaEUCKR, 2},
-};
-
-// Pairs whose conversion stays out of ICU. The character map folds between traditional and simplified forms,
-// which no code page does.
-constexpr direct_route direct_routes[] = {
-    {ianaGB2312, ianaBIG5, convert_gb_to_big5},
-    {ianaBIG5, ianaGB2312, convert_big5_to_gb},
-};
 
 std::int32_t copy(std::string_view text, char *to_buf, std::int32_t to_size) {
     output to = output_to(to_buf, to_size);
@@ -102,27 +80,26 @@ void put_fitting_utf16(output &to, const EncodingConverter &converter, utf16_tex
     put_utf16(to, converter, wide, {});
 }
 
-std::optional<bool> put_by_road(output &to, const EncodingConverter *pair, std::string_view text) {
+std::optional<bool> put_fast(output &to, const EncodingConverter *pair, std::string_view text) {
     if (!pair || !to.start)
         return std::nullopt;
     std::int32_t length = 0;
     const std::int32_t room = saturate(room_left(to));
-    const verdict answer = convert_by_road(pair->road, text, to.start + to.length, room, length);
-    if (answer == verdict::undecided)
+    const status answer = convert(pair->path, text, to.start + to.length, room, length);
+    if (answer == status::needs_icu)
         return std::nullopt;
-    to.length += answer == verdict::done ? static_cast<std::size_t>(length) : 0;
-    return answer == verdict::done;
+    to.length += answer == status::done ? static_cast<std::size_t>(length) : 0;
+    return answer == status::done;
 }
 
 // The pair's table or the identity of ASCII instead of ICU, where they decide.
 std::optional<std::int32_t> convert_fast(const charset_pair &pair, std::string_view text, char *to_buf,
                                          std::int32_t to_size) {
     std::int32_t length = 0;
-    switch (pair.cached ? convert_by_road(pair.cached->road, text, to_buf, to_size, length)
-                        : verdict::undecided) {
-    case verdict::done:
+    switch (pair.cached ? convert(pair.cached->path, text, to_buf, to_size, length) : status::needs_icu) {
+    case status::done:
         return length;
-    case verdict::full:
+    case status::full:
         return copy(text, to_buf, to_size);
     default:
         return std::nullopt;
@@ -133,12 +110,8 @@ std::optional<std::int32_t> convert_fast(const charset_pair &pair, std::string_v
 // table.
 lent_converter borrow_for(const charset_pair &pair, std::string_view text) {
     if (pair.cached)
-        note_conversion(pair.cached->road, text.size());
+        note_conversion(pair.cached->path, text.size());
     return borrow_converter(pair.from_charset, pair.to_charset);
-}
-
-input bytes_of(std::string_view text) {
-    return input_from(text.data(), saturate(text.size()));
 }
 
 } // namespace
@@ -148,7 +121,7 @@ charset_pair look_up(const char *from_charset, const char *to_charset) {
     charset_pair pair = {from_charset, to_charset, false, nullptr, nullptr};
     pair.same = passes_through() || same_name(from_charset, to_charset);
     if (!pair.same)
-        pair.direct = find_route(direct_routes, from_charset, to_charset);
+        pair.direct = find_route(scope::buffers, from_charset, to_charset);
     if (!pair.same && !pair.direct)
         pair.cached = find_pair(from_charset, to_charset);
     return pair;
@@ -167,9 +140,8 @@ bool come_to_know(charset_pair &pair) {
 std::int32_t result_size(const charset_pair &pair, std::size_t bytes) {
     if (pair.same)
         return saturate(bytes + 1);
-    for (const fixed_size &row : fixed_sizes)
-        if (same_name(row.from_charset, pair.from_charset) && same_name(row.to_charset, pair.to_charset))
-            return saturate(bytes * row.factor + 1);
+    if (const std::uint64_t factor = growth_factor(pair.from_charset, pair.to_charset))
+        return saturate(bytes * factor + 1);
     if (pair.cached)
         return estimate_size(pair.cached, bytes);
     return estimate_size(borrow_converter(pair.from_charset, pair.to_charset).get(), bytes);
@@ -181,7 +153,7 @@ std::optional<std::int32_t> convert_buffer(const charset_pair &pair, std::string
         return copy(text, to_buf, to_size);
     if (pair.direct) {
         output to = output_to(to_buf, to_size);
-        pair.direct->convert(bytes_of(text), to);
+        pair.direct->convert(input_from(text), to);
         return finish(to);
     }
     if (const auto length = convert_fast(pair, text, to_buf, to_size))
@@ -203,9 +175,9 @@ bool put_converted(output &to, const charset_pair &pair, std::string_view text) 
     if (text.empty() || pair.same)
         return put(to, text);
     if (pair.direct)
-        return put_whole(to, *pair.direct->convert, bytes_of(text));
-    if (const auto put_fast = put_by_road(to, pair.cached, text))
-        return *put_fast;
+        return put_whole(to, *pair.direct->convert, input_from(text));
+    if (const auto fits = put_fast(to, pair.cached, text))
+        return *fits;
     const lent_converter converter = borrow_for(pair, text);
     const utf16_text wide = converter ? take_in(*converter, text) : utf16_text{};
     return wide.units ? put_utf16(to, *converter, wide, text) : put(to, text);
@@ -217,7 +189,7 @@ bool put_some_converted(output &to, const charset_pair &pair, std::string_view t
     if (pair.same)
         return put_some(to, text);
     if (pair.direct) {
-        pair.direct->convert(bytes_of(text), to);
+        pair.direct->convert(input_from(text), to);
         return false;
     }
     const lent_converter converter = borrow_for(pair, text);

@@ -1,4 +1,4 @@
-// Conversion of a buffer between two charsets: the one road that all text of the library goes. What needs no
+// Conversion of a buffer between two charsets: all text of the library goes through here. What needs no
 // conversion is copied, pairs that have a converter of our own go to it, and all others go by a table or by
 // ICU, there by way of UTF-16; where ICU fails, the copy of the input stands in for the result.
 //
@@ -14,15 +14,15 @@
 
 namespace zel {
 
-struct direct_route;
+struct route;
 
 // What the conversion of a pair needs, looked up once for the size, the test and the conversion of a text.
 struct charset_pair {
     const char *from_charset;
     const char *to_charset;
-    bool same;                  // nothing to convert, or the library passes everything through
-    const direct_route *direct; // a converter of our own
-    EncodingConverter *cached;  // null for a pair not met yet, or one that ICU does not know
+    bool same;                 // nothing to convert, or the library passes everything through
+    const route *direct;       // a converter of our own
+    EncodingConverter *cached; // null for a pair not met yet, or one that ICU does not know
 };
 
 charset_pair look_up(const char *from_charset, const char *to_charset);

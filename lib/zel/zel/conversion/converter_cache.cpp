@@ -2,8 +2,8 @@
 
 #include "zel.h"
 #include "zel/base/charset_names.h"
+#include "zel/base/escapes.h"
 #include "zel/base/frame.h"
-#include "zel/base/unicode_escape.h"
 
 #include <unicode/ucnv_cb.h>
 #include <unicode/ucnv_err.h>
@@ -137,7 +137,7 @@ EncodingConverter *load_encodingconverter(const char *from_charset, const char *
     if (!fresh)
         return nullptr;
     if (!pair)
-        prepare_road(fresh->road, fresh->from_cnv.get(), fresh->to_cnv.get());
+        prepare(fresh->path, fresh->from_cnv.get(), fresh->to_cnv.get());
     return append(pair, std::move(fresh));
 }
 

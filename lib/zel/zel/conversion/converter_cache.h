@@ -6,9 +6,9 @@
 
 #pragma once
 
+#include "zel/base/icu_converter.h"
 #include "zel/base/name_index.h"
-#include "zel/conversion/fast_road.h"
-#include "zel/conversion/icu_converter.h"
+#include "zel/fast_path/fast_path.h"
 
 namespace zel {
 
@@ -22,8 +22,8 @@ struct EncodingConverter {
     heap_string to_name;
     std::int32_t min_char_size;           // bytes a character of the source at least
     std::int32_t max_char_size;           // bytes a UTF-16 unit at most in the target
-    index_place<EncodingConverter> place; // of the pair, as is the road; in its first record alone
-    fast_road road;
+    index_place<EncodingConverter> place; // of the pair, as is the fast path; in its first record alone
+    fast_path path;
 };
 
 // The first record of the pair, not borrowed: for what does not touch its converters. Null for a pair not yet

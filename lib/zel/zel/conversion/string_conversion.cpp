@@ -2,11 +2,11 @@
 
 #include "zel.h"
 #include "zel/base/charset_names.h"
+#include "zel/base/escapes.h"
 #include "zel/base/frame.h"
 #include "zel/base/output.h"
-#include "zel/base/unicode_escape.h"
-#include "zel/base/utf8.h"
 #include "zel/conversion/buffer_conversion.h"
+#include "zel/simd/utf8.h"
 
 #include <unicode/ustring.h>
 
@@ -58,7 +58,7 @@ bool has_utf8_shape(const char *text) {
     for (; *text; ++text) {
         const auto byte = static_cast<unsigned char>(*text);
         if (expected) {
-            if (!is_tail(byte))
+            if (!is_continuation(byte))
                 return false;
             --expected;
         } else if ((expected = continuation_bytes(byte)) == never_valid) {

@@ -5,9 +5,9 @@
 
 #include "zel.h"
 #include "zel/base/charset_names.h"
+#include "zel/base/icu_converter.h"
 #include "zel/base/output.h"
-#include "zel/conversion/icu_converter.h"
-#include "zel/conversion/utf16_text.h"
+#include "zel/base/utf16_text.h"
 #include "zel/locale/canonical_order.h"
 #include "zel/locale/icu_locale.h"
 

@@ -7,8 +7,8 @@
 
 #include "zel.h"
 #include "zel/base/charset_names.h"
-#include "zel/conversion/icu_converter.h"
-#include "zel/conversion/utf16_text.h"
+#include "zel/base/icu_converter.h"
+#include "zel/base/utf16_text.h"
 #include "zel/locale/icu_locale.h"
 
 #include <unicode/ucal.h>

@@ -3,17 +3,13 @@
 //
 // Invariant: output goes straight into the caller's buffer, no byte of it past to_size.
 
-#include "conv.h"
-#include "conv_ja.h"
-#include "conv_ko.h"
-#include "conv_zh_cn.h"
 #include "zel.h"
 #include "zel/base/charset_names.h"
 #include "zel/base/frame.h"
-#include "zel/base/input.h"
 #include "zel/base/output.h"
-#include "zel/base/string_validity.h"
+#include "zel/codec/string_validity.h"
 #include "zel/conversion/buffer_conversion.h"
+#include "zel/conversion/routes.h"
 #include "zel/policy/charset_policy.h"
 
 namespace zel {
@@ -32,24 +28,10 @@ bool goes_between(const body &from, const char *from_charset, const char *to_cha
 }
 
 // The first two letters of the language open a route, whatever follows them.
-struct body_route {
-    const char *language;
-    direct_route route;
-};
-
-constexpr body_route body_routes[] = {
-    {"ja", {ianaISO2022JP, ianaEUCJP, convert_jis_to_eucjp}},
-    {"ja", {ianaISO2022JP, ianaSHIFTJIS, convert_jis_to_sjis}},
-    {"ko", {ianaISO2022KR, ianaEUCKR, convert_iso2022kr_to_euckr}},
-    {"zh", {ianaHZ, ianaGB2312, convert_hz_to_gb}},
-};
-
-const direct_route *find_open_route(const body &from) {
-    for (const auto &[language, route] : body_routes)
-        if (from.language && std::strncmp(from.language, language, 2) == 0 &&
-            route.serves(from.pair.from_charset, from.pair.to_charset))
-            return &route;
-    return nullptr;
+const route *find_open_route(const body &from) {
+    const route *found = find_route(scope::received_bodies, from.pair.from_charset, from.pair.to_charset);
+    const bool is_open = found && from.language && std::strncmp(from.language, found->language, 2) == 0;
+    return is_open ? found : nullptr;
 }
 
 bool is_korean_pair(const body &from) {
@@ -68,13 +50,13 @@ std::int32_t estimate(const body &from) {
     return from.bytes.empty() ? 1 : result_size(from.pair, from.bytes.size());
 }
 
-std::int32_t convert_directly(const direct_route &route, std::string_view bytes, char *to_buf,
+std::int32_t convert_by_route(const route &direct, std::string_view bytes, char *to_buf,
                               std::int32_t to_size) {
     output to = output_to(to_buf, to_size);
-    route.convert(input_from(bytes.data(), saturate(bytes.size())), to);
+    direct.convert(input_from(bytes), to);
     const std::int32_t length = finish_string(to);
     if (to.size > 0)
-        checkstringvalidity(route.to_charset, to_buf, to.length);
+        checkstringvalidity(direct.to_charset, to_buf, to.length);
     return length;
 }
 
@@ -94,8 +76,8 @@ std::int32_t _InternetMessageBodyToLocal(const body &from, char *to_buf, std::in
         return no_converter;
     if (to_size < 0)
         return estimate(from);
-    if (const direct_route *route = find_open_route(from))
-        return convert_directly(*route, from.bytes, to_buf, to_size);
+    if (const route *direct = find_open_route(from))
+        return convert_by_route(*direct, from.bytes, to_buf, to_size);
     return convert_by_buffer(from, to_buf, to_size);
 }
 

@@ -5,16 +5,14 @@
 // Invariant: the text is not copied before the transfer step unless it is converted, and a conversion that no
 // transfer step follows writes straight into the caller's buffer.
 
-#include "conv.h"
-#include "conv_ja.h"
 #include "zel.h"
 #include "zel/base/charset_names.h"
 #include "zel/base/frame.h"
-#include "zel/base/input.h"
 #include "zel/base/output.h"
-#include "zel/base/string_validity.h"
-#include "zel/base/transfer_encoding.h"
+#include "zel/codec/quoted_printable.h"
+#include "zel/codec/string_validity.h"
 #include "zel/conversion/buffer_conversion.h"
+#include "zel/conversion/routes.h"
 #include "zel/policy/languages.h"
 
 namespace zel {
@@ -28,16 +26,14 @@ struct body {
     std::string_view text;
     charset_pair pair;  // into the charset on the wire
     bool same;          // the text is in that charset already
-    conversion *direct; // null where the conversion goes its general road
+    conversion *direct; // null where there is none
     bool quoted_printable;
 };
 
 conversion *direct_encoder(LanguageID id, const char *from_charset) {
-    if (id != japanese)
-        return nullptr;
-    if (same_name(from_charset, ianaEUCJP))
-        return convert_eucjp_to_jis;
-    return same_name(from_charset, ianaSHIFTJIS) ? convert_sjis_to_jis : nullptr;
+    const route *found =
+        id == japanese ? find_route(scope::sent_bodies, from_charset, ianaISO2022JP) : nullptr;
+    return found ? found->convert : nullptr;
 }
 
 body decide(LanguageID id, const char *from_charset, std::string_view text, bool qp_for_8bit) {
@@ -62,7 +58,7 @@ void put_quoted_printable(const body &from, output &to) {
 
 void put_body(const body &from, output &to) {
     if (from.direct)
-        from.direct(input_from(from.text.data(), saturate(from.text.size())), to);
+        from.direct(input_from(from.text), to);
     else if (from.quoted_printable)
         put_quoted_printable(from, to);
     else

@@ -5,20 +5,19 @@
 // Invariant: the text is read up to its terminator in one pass, and what does not fit stops the output behind
 // the last whole word or character.
 
-#include "conv.h"
-#include "conv_ja.h"
 #include "zel.h"
-#include "zel/base/byte_block.h"
 #include "zel/base/charset_names.h"
 #include "zel/base/frame.h"
-#include "zel/base/input.h"
 #include "zel/base/output.h"
-#include "zel/base/string_validity.h"
-#include "zel/base/transfer_encoding.h"
+#include "zel/codec/base64.h"
+#include "zel/codec/quoted_printable.h"
+#include "zel/codec/string_validity.h"
 #include "zel/conversion/buffer_conversion.h"
+#include "zel/conversion/routes.h"
 #include "zel/conversion/string_conversion.h"
 #include "zel/policy/charset_policy.h"
 #include "zel/policy/languages.h"
+#include "zel/simd/block64.h"
 
 #include <bit>
 
@@ -57,10 +56,10 @@ const char *skip_blanks(const char *at) {
 // Where a text has a CR, found a block ahead of what is changed.
 struct return_search {
     std::string_view rest; // from the block on
-    bit_per_byte places;   // of those in the block that were not given yet
+    bitmask64 places;      // of those in the block that were not given yet
 };
 
-bit_per_byte returns_in(std::string_view text) {
+bitmask64 returns_in(std::string_view text) {
     return places_of('\r', text.size() < block_size ? load_rest(text) : load_block(text.data()));
 }
 
@@ -179,35 +178,30 @@ struct header_pass {
     char *decoded; // room for the longest raw text; null where there is no memory
 };
 
-enum class road { raw, copy, direct, by_pair };
+enum class word_way { raw, copy, direct, by_pair };
 
-struct word_road {
-    road how;
+struct word_conversion {
+    word_way how;
     charset_pair pair;
-    const direct_route *direct;
+    const route *direct;
 };
 
-constexpr direct_route jis_routes[] = {
-    {ianaISO2022JP, ianaEUCJP, convert_jis_to_eucjp},
-    {ianaISO2022JP, ianaSHIFTJIS, convert_jis_to_sjis},
-};
-
-word_road choose_road(const header_pass &pass, const char *charset) {
+word_conversion choose_conversion(const header_pass &pass, const char *charset) {
     if (!pass.decoded || !is_known_charset(pass.language, charset))
-        return {road::raw, {}, nullptr};
+        return {word_way::raw, {}, nullptr};
     if (same_name(charset, pass.to_charset))
-        return {road::copy, {}, nullptr};
+        return {word_way::copy, {}, nullptr};
     charset_pair pair = look_up(charset, pass.to_charset);
     if (!come_to_know(pair))
-        return {road::raw, {}, nullptr};
-    const direct_route *direct = find_route(jis_routes, charset, pass.to_charset);
-    return {direct ? road::direct : road::by_pair, pair, direct};
+        return {word_way::raw, {}, nullptr};
+    const route *direct = find_route(scope::headers, charset, pass.to_charset);
+    return {direct ? word_way::direct : word_way::by_pair, pair, direct};
 }
 
 struct known_charset {
     char buf[longest_charset + 1];
     std::string_view name; // in buf
-    word_road chosen;
+    word_conversion chosen;
 };
 
 // The charsets of words that came before, which are as a rule those of the next ones too.
@@ -226,7 +220,7 @@ known_charset *find_known(std::string_view charset, known_charsets &known) {
 void learn(const header_pass &pass, std::string_view charset, known_charset &known) {
     *std::copy(charset.begin(), charset.end(), known.buf) = '\0';
     known.name = {known.buf, charset.size()};
-    known.chosen = choose_road(pass, known.buf);
+    known.chosen = choose_conversion(pass, known.buf);
 }
 
 bool is_b(const encoded_word &word) {
@@ -238,12 +232,13 @@ bool is_q(const encoded_word &word) {
 }
 
 // A charset that could not be converted from may be by the next word, when there is memory again.
-const word_road &road_of(const header_pass &pass, const encoded_word &word, known_charsets &known) {
-    static constexpr word_road undecoded = {road::raw, {}, nullptr};
+const word_conversion &conversion_of(const header_pass &pass, const encoded_word &word,
+                                     known_charsets &known) {
+    static constexpr word_conversion undecoded = {word_way::raw, {}, nullptr};
     if (!is_b(word) && !is_q(word))
         return undecoded;
     known_charset *found = find_known(word.charset, known);
-    if (found && found->chosen.how != road::raw)
+    if (found && found->chosen.how != word_way::raw)
         return found->chosen;
     if (!found)
         found = &known.latest[known.met++ % known.latest.size()];
@@ -257,20 +252,16 @@ std::string_view decode(const header_pass &pass, const encoded_word &word) {
     return {pass.decoded, length};
 }
 
-input bytes_of(std::string_view text) {
-    return input_from(text.data(), saturate(text.size()));
-}
-
 bool put_word(const header_pass &pass, const encoded_word &word, known_charsets &known, output &to) {
-    const word_road &chosen = road_of(pass, word, known);
-    if (chosen.how == road::raw)
+    const word_conversion &chosen = conversion_of(pass, word, known);
+    if (chosen.how == word_way::raw)
         return put(to, word.raw);
     const std::string_view decoded = decode(pass, word);
     switch (chosen.how) {
-    case road::copy:
+    case word_way::copy:
         return put(to, decoded);
-    case road::direct:
-        return put_whole(to, *chosen.direct->convert, bytes_of(decoded));
+    case word_way::direct:
+        return put_whole(to, *chosen.direct->convert, input_from(decoded));
     default:
         return put_converted(to, chosen.pair, decoded);
     }
@@ -291,8 +282,8 @@ void put_plain_tail(std::string_view tail, output &to) {
 void put_tail(const header_pass &pass, std::string_view tail, output &to) {
     if (!pass.japanese)
         put_plain_tail(tail, to);
-    else if (const direct_route *direct = find_route(jis_routes, ianaISO2022JP, pass.to_charset))
-        direct->convert(bytes_of(tail), to);
+    else if (const route *direct = find_route(scope::headers, ianaISO2022JP, pass.to_charset))
+        direct->convert(input_from(tail), to);
     else
         put_some_converted(to, look_up(ianaISO2022JP, pass.to_charset), tail);
 }
@@ -317,11 +308,11 @@ void put_value(const header_pass &pass, output &to) {
 std::uint64_t documented_size(const header_pass &pass, const piece &taken, known_charsets &known) {
     if (taken.what != piece::kind::word)
         return taken.text.size();
-    const word_road &chosen = road_of(pass, taken.word, known);
-    if (chosen.how == road::raw)
+    const word_conversion &chosen = conversion_of(pass, taken.word, known);
+    if (chosen.how == word_way::raw)
         return taken.word.raw.size();
     const std::size_t decoded = decode(pass, taken.word).size();
-    if (chosen.how == road::copy)
+    if (chosen.how == word_way::copy)
         return decoded;
     return decoded == 0 ? 1 : static_cast<std::uint64_t>(result_size(chosen.pair, decoded));
 }

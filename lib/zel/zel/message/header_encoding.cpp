@@ -10,7 +10,8 @@
 #include "zel/base/frame.h"
 #include "zel/base/input.h"
 #include "zel/base/output.h"
-#include "zel/base/transfer_encoding.h"
+#include "zel/codec/base64.h"
+#include "zel/codec/quoted_printable.h"
 #include "zel/conversion/buffer_conversion.h"
 #include "zel/policy/languages.h"
 

@@ -7,10 +7,11 @@
 
 #include "zel.h"
 #include "zel/base/charset_names.h"
+#include "zel/base/escapes.h"
 #include "zel/base/frame.h"
 #include "zel/base/input.h"
 #include "zel/base/output.h"
-#include "zel/base/transfer_encoding.h"
+#include "zel/codec/base64.h"
 #include "zel/conversion/buffer_conversion.h"
 #include "zel/conversion/string_conversion.h"
 

@@ -9,7 +9,7 @@
 #include "zel/base/frame.h"
 #include "zel/base/input.h"
 #include "zel/base/output.h"
-#include "zel/base/transfer_encoding.h"
+#include "zel/codec/quoted_printable.h"
 #include "zel/conversion/converter_cache.h"
 #include "zel/conversion/string_conversion.h"
 #include "zel/policy/charset_policy.h"

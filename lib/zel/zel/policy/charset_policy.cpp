@@ -4,7 +4,7 @@
 #include "zel/base/charset_names.h"
 #include "zel/base/fixed_text.h"
 #include "zel/base/frame.h"
-#include "zel/base/string_validity.h"
+#include "zel/codec/string_validity.h"
 #include "zel/policy/languages.h"
 #include "zel/policy/local_config.h"
 

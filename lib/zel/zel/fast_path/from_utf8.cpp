@@ -1,0 +1,102 @@
+// UTF-8 to charsets of one or two bytes a character. A block goes through two stages, neither of which
+// branches on the text, so that its cost goes by its bytes and hardly by their order:
+//
+//     text            a   [e3 81 82]   b   [c3 a9]       and which bytes begin a character, as bitmasks
+//     looked up       a   [82 a0  .]   b   [85 ..]       each code is stored over the character it replaces
+//     squeezed        a    82 a0       b    85           bytes that no code needs are left out
+//
+// Invariant: a code is never longer than its character in UTF-8, so that it fits where that one stood.
+
+#include "zel/fast_path/characters.h"
+#include "zel/fast_path/table_transcoders.h"
+
+#include "zel/simd/squeeze.h"
+#include "zel/simd/utf8.h"
+
+namespace zel {
+namespace {
+
+bitmask64 zeros_of(const unsigned char *block) {
+    return places_of(0, load_block(block));
+}
+
+template <bool SingleByte, ascii Kept, instructions Set>
+struct from_utf8 {
+    const code_table *table;
+
+    static constexpr auto policy = when_full::give_up;
+    static constexpr std::size_t reads = block_size;
+    static constexpr std::size_t writes = block_size + squeeze_slack;
+
+    // Gives whether all of the codes are of the common length.
+    bool store_codes(unsigned char *looked_up, const block64 &block, bitmask64 leads) const {
+        std::uint16_t units[block_size];
+        store_code_units(units, block);
+        constexpr unsigned least = SingleByte ? 1 : first_double_byte;
+        unsigned lacking = 0; // its highest bit is set by a code that is less
+        for (; leads; leads = without_first(leads)) {
+            const std::size_t place = first_of(leads);
+            const charset_code code = table->codes[units[place]];
+            lacking |= code - least;
+            if constexpr (SingleByte)
+                looked_up[place] = static_cast<unsigned char>(code);
+            else
+                store_two_bytes(looked_up + place, code);
+        }
+        return lacking >> 31 == 0;
+    }
+
+    status block_step(cursors &at) const {
+        const block64 block = load_block(at.from);
+        const utf8_block shape = utf8_shape(block);
+        if (Kept == ascii::plain_text && has_any(block, are_special_controls)) [[unlikely]]
+            return status::declined;
+        if (!shape.high) {
+            copy_kept_blocks<Kept>(at, block);
+            return status::done;
+        }
+        const std::size_t length = whole_characters(shape, left(at));
+        const bitmask64 bytes = first_bits(length), leads = lead_bytes(shape) & bytes;
+        if (!is_well_formed(shape)) [[unlikely]]
+            return status::declined;
+        unsigned char looked_up[block_size + 1];
+        store_block(looked_up, block);
+        bitmask64 kept = (SingleByte ? ~shape.continuation : ~shape.continuation | leads << 1) & bytes;
+        if (!store_codes(looked_up, block, leads)) [[unlikely]] {
+            const bitmask64 zeros = zeros_of(looked_up) & kept;
+            if (zeros & (leads | ~shape.high)) // a character without a code, or a NUL
+                return status::declined;
+            kept &= ~zeros; // the places of second bytes
+        }
+        at.to = squeeze_block<Set>(at.to, looked_up, kept);
+        at.from += length;
+        return status::done;
+    }
+
+    status scalar_step(cursors &at) const {
+        const charset_code code = table->codes[take_code_point(at)];
+        if (code == 0)
+            return status::needs_icu;
+        return put_code(at, code) ? status::done : status::full;
+    }
+};
+
+template <instructions Set>
+using to_single_bytes = from_utf8<true, ascii::all, Set>;
+template <instructions Set>
+using to_double_bytes = from_utf8<false, ascii::all, Set>;
+template <instructions Set>
+using to_double_bytes_plain = from_utf8<false, ascii::plain_text, Set>;
+
+} // namespace
+
+status transcode_from_utf8(const code_table &table, cursors &at) {
+    if (table.kind == charset_kind::iso2022jp)
+        return transcode_utf8_to_jis(table, at);
+    if (!table.keeps_ascii)
+        return transcode_by<to_double_bytes_plain>(table, at);
+    return table.kind == charset_kind::single_byte ? transcode_by<to_single_bytes>(table, at)
+                                                   : transcode_by<to_double_bytes>(table, at);
+}
+
+} // namespace zel

@@ -1,0 +1,179 @@
+// ISO-2022-JP to UTF-8 and back, as far as it knows ASCII and JIS X 0208. Runs of single bytes are copied,
+// and the characters of a kanji run looked up one by one: that a run ends is told by its escape sequence.
+//
+// Invariant: between two blocks the kernel remembers which run it is in, and nothing else.
+
+#include "zel/fast_path/characters.h"
+#include "zel/fast_path/table_transcoders.h"
+
+#include "zel/simd/utf8.h"
+#include "zel/transcode/runs.h"
+
+namespace zel {
+namespace {
+
+constexpr unsigned char ESC = 0x1B;
+
+bool stands(const unsigned char *at, std::string_view bytes) {
+    return std::memcmp(at, bytes.data(), bytes.size()) == 0;
+}
+
+bool take(cursors &at, std::string_view bytes) {
+    const bool is_there = left(at) >= bytes.size() && stands(at.from, bytes);
+    at.from += is_there ? bytes.size() : 0;
+    return is_there;
+}
+
+// Other sets, a run of kanji without characters or without its end, and two escape sequences side by side:
+// ICU has rules for them.
+struct jis_to_utf8 {
+    const code_table *table;
+    bool in_pairs = false;
+
+    static constexpr auto policy = when_full::give_up;
+    static constexpr std::size_t reads = runs_read;
+    static constexpr std::size_t writes = 3 * block_size + step_writes;
+    static constexpr std::size_t opening = longest_shift;
+    static constexpr std::size_t closing = longest_shift;
+
+    static vector_mask ends_singles(vector_bytes bytes) { return are_not_kept<ascii::plain_text>(bytes); }
+    static vector_mask ends_pairs(vector_bytes bytes) { return ~are_between(bytes, 0x21, 0x7E); }
+    static bool opens_pairs(const unsigned char *at) {
+        return stands(at, enter_kanji) && at[longest_shift] != ESC;
+    }
+    static bool closes_pairs(const unsigned char *at) {
+        return stands(at, leave_kanji) && at[longest_shift] != ESC;
+    }
+
+    // Four bytes are stored for a character, and the two or three kept that it has. What is not decided ends
+    // the run.
+    bool put_pairs(cursors &whole, std::size_t bytes) const {
+        cursors at = whole;
+        bool decided = true;
+        for (const unsigned char *const end = at.from + bytes; at.from < end; at.from += 2) {
+            const utf8_character &character = table->pairs[load_two_bytes(at.from)];
+            std::memcpy(at.to, &character, sizeof character);
+            at.to += 2 + (character[2] >> 7);
+            decided &= character[1] != 0;
+        }
+        if (decided)
+            whole = at;
+        return decided;
+    }
+
+    bool begins_run(unsigned char byte) const { return byte < 0x80 && (in_pairs || byte != ESC); }
+    void take_runs(const chunk &of, std::size_t place, cursors &at) {
+        take_shifted_runs(*this, of, place, at);
+    }
+
+    status block_step(cursors &at) {
+        const block64 block = load_block(at.from);
+        if (in_pairs || has_any(block, ends_singles))
+            return take_chunk(*this, at);
+        copy_kept_blocks<ascii::plain_text>(at, block);
+        return status::done;
+    }
+
+    status scalar_step(cursors &at) {
+        if (peek(at) == ESC) {
+            if (!take(at, in_pairs ? leave_kanji : enter_kanji) || peek(at) == ESC)
+                return status::needs_icu;
+            in_pairs = !in_pairs;
+            return status::done;
+        }
+        const unsigned char byte = zel::take(at);
+        return in_pairs ? put_pair(at, *table, byte, zel::take(at)) : put_single(at, *table, byte);
+    }
+};
+
+struct utf8_to_jis {
+    const code_table *table;
+    jis_writer writer;
+
+    static constexpr auto policy = when_full::give_up;
+    static constexpr std::size_t reads = runs_read;
+    // The most comes of characters of two bytes and letters in turn, with an escape sequence in front of
+    // each.
+    static constexpr std::size_t writes = (block_size / 3 + 1) * (3 + 2 * longest_shift) + block_size;
+
+    // False where a character does not become two bytes.
+    bool put_characters(cursors &at, const std::uint16_t *units, bitmask64 leads) const {
+        unsigned lacking = 0; // its highest bit is set by a code of less than two bytes
+        for (; leads; leads = without_first(leads)) {
+            const charset_code code = table->codes[units[first_of(leads)]];
+            lacking |= code - unsigned{first_double_byte};
+            store_two_bytes(at.to, code);
+            at.to += 2;
+        }
+        return lacking >> 31 == 0;
+    }
+
+    // Run by run, on copies of the cursors and of the writer.
+    bool put_runs(cursors &at, const block64 &block, const utf8_block &shape, std::size_t length) {
+        std::uint16_t units[block_size];
+        store_code_units(units, block);
+        const unsigned char *const start = at.from;
+        for (std::size_t place = 0; place < length;) {
+            const std::size_t singles = std::min(first_of(shape.high >> place), length - place);
+            if (singles > 0) {
+                writer.change_set(false, at);
+                at.from = start + place;
+                copy_singles(at, singles);
+                place += singles;
+                if (place == length)
+                    break;
+            }
+            const std::size_t run = std::min(first_of(~shape.high >> place), length - place);
+            writer.change_set(true, at);
+            if (!put_characters(at, units + place, lead_bytes(shape) >> place & first_bits(run)))
+                return false;
+            place += run;
+        }
+        at.from = start + length;
+        return true;
+    }
+
+    status block_step(cursors &whole) {
+        const block64 block = load_block(whole.from);
+        const utf8_block shape = utf8_shape(block);
+        if (has_any(block, are_special_controls) || !is_well_formed(shape)) [[unlikely]]
+            return status::declined;
+        if (!shape.high && !writer.in_kanji) {
+            copy_kept_blocks<ascii::plain_text>(whole, block);
+            return status::done;
+        }
+        utf8_to_jis each = *this;
+        cursors at = whole;
+        if (!each.put_runs(at, block, shape, whole_characters(shape, left(whole)))) [[unlikely]]
+            return status::declined;
+        whole = at;
+        *this = each;
+        return status::done;
+    }
+
+    status scalar_step(cursors &at) {
+        const charset_code code = table->codes[take_code_point(at)];
+        if (code == 0)
+            return status::needs_icu;
+        return writer.change_set(code >= first_double_byte, at) && put_code(at, code) ? status::done
+                                                                                      : status::full;
+    }
+};
+
+} // namespace
+
+status transcode_jis_to_utf8(const code_table &table, cursors &at) {
+    jis_to_utf8 each = {&table};
+    const status answer = transcode(each, at);
+    return answer == status::done && each.in_pairs ? status::needs_icu : answer;
+}
+
+status transcode_utf8_to_jis(const code_table &table, cursors &at) {
+    utf8_to_jis each = {&table};
+    const status answer = transcode(each, at);
+    if (answer != status::done)
+        return answer;
+    return each.writer.change_set(false, at) ? status::done : status::full;
+}
+
+} // namespace zel

@@ -1,0 +1,86 @@
+// The shape of UTF-8 (RFC 3629): which bytes of a block begin characters of one, two and three bytes, and
+// what code units those characters are in UTF-16. Characters of four bytes have no place here.
+
+#pragma once
+
+#include "zel/simd/block64.h"
+
+namespace zel {
+
+constexpr bool is_continuation(unsigned char byte) {
+    return (byte & 0xC0) == 0x80;
+}
+
+// As signed numbers they are the lowest.
+inline vector_mask are_continuations(vector_bytes bytes) {
+    return {reinterpret_cast<vector_bytes>(reinterpret_cast<vector_signed>(bytes) < -0x40)};
+}
+
+constexpr unsigned code_point_of_two(const unsigned char *from) {
+    return (from[0] & 0x1FU) << 6 | (from[1] & 0x3FU);
+}
+
+constexpr unsigned code_point_of_three(const unsigned char *from) {
+    return (from[0] & 0x0FU) << 12 | (from[1] & 0x3FU) << 6 | (from[2] & 0x3FU);
+}
+
+struct utf8_block {
+    bitmask64 high, two_byte, three_byte, continuation; // two_byte: the first bytes of such characters
+};
+
+inline utf8_block utf8_shape(const block64 &block) {
+    const auto between = [&](unsigned char first, unsigned char last) {
+        return mask_of(block, [=](vector_bytes bytes) { return are_between(bytes, first, last); });
+    };
+    return {mask_of(block, are_high), between(0xC2, 0xDF), between(0xE0, 0xEF),
+            mask_of(block, are_continuations)};
+}
+
+constexpr bitmask64 lead_bytes(const utf8_block &shape) {
+    return shape.two_byte | shape.three_byte;
+}
+
+// How many bytes of the block are whole characters, where the text has so many bytes left.
+constexpr std::size_t whole_characters(const utf8_block &shape, std::size_t bytes_left) {
+    if (bytes_left < block_size)
+        return bytes_left;
+    const bool cuts_last = lead_bytes(shape) >> (block_size - 1);
+    const bool cuts_two = shape.three_byte >> (block_size - 2) & 1;
+    return cuts_last ? block_size - 1 : cuts_two ? block_size - 2 : block_size;
+}
+
+// Whether each lead byte has its continuation bytes and each continuation byte its lead byte, and no byte is
+// neither. Overlong forms of three bytes and surrogates pass, and so does a last character that the block
+// cuts off.
+constexpr bool is_well_formed(const utf8_block &shape) {
+    const bitmask64 expected = lead_bytes(shape) << 1 | shape.three_byte << 2;
+    return expected == shape.continuation && (shape.high & ~(lead_bytes(shape) | expected)) == 0;
+}
+
+// The code unit of a character of two or three bytes that begins at each place of a block; what stands at
+// other places means nothing. The bits of both kinds go to the same places, from the last byte but one (x)
+// and the last byte (y):
+//
+//     two bytes      110aaabb 10cccccc              x = 110aaabb, y = 10cccccc
+//     three bytes    1110dddd 10aaaabb 10cccccc     x = 10aaaabb, y = 10cccccc
+//     code unit      ddddaaaa bbcccccc              dddd only from a lead byte of three
+//
+// A character that the block cuts off has none.
+inline void store_code_units(std::uint16_t *units, const block64 &block) {
+    for (std::size_t i = 0; i < std::size(block.vectors); ++i) {
+        const vector_bytes first = block.vectors[i];
+        const vector_bytes behind = i + 1 < std::size(block.vectors) ? block.vectors[i + 1] : vector_bytes{};
+        const vector_bytes second = moved_down<1>(first, behind);
+        const vector_bytes third = moved_down<2>(first, behind);
+        const vector_mask three_byte = are_between(first, 0xE0, 0xFF);
+        const vector_bytes x = select(three_byte, second, first);
+        const vector_bytes y = select(three_byte, third, second);
+        const vector_bytes high = (shifted_right<2>(x) & 0x0F) | (shifted_left<4>(first) & three_byte.bytes);
+        const vector_bytes low = shifted_left<6>(x) | (y & 0x3F);
+        const vector_pair numbers = numbers_of(low, high);
+        store_vector(units + i * vector_size, numbers.first);
+        store_vector(units + i * vector_size + vector_size / 2, numbers.last);
+    }
+}
+
+} // namespace zel

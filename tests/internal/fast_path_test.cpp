@@ -1,0 +1,199 @@
+// The fast path, held against ICU on open converters: the same text goes both ways, and the buffers
+// are compared to the last byte.
+
+#include "support.h"
+
+#include "zel/conversion/converter_cache.h"
+
+#include <unicode/ucnv.h>
+
+#include <cstring>
+#include <random>
+#include <vector>
+
+namespace {
+
+using converter = std::unique_ptr<UConverter, decltype(&ucnv_close)>;
+
+converter open_converter(const char *charset) {
+    UErrorCode status = U_ZERO_ERROR;
+    return {ucnv_open(charset, &status), &ucnv_close};
+}
+
+struct neighbour {
+    converter from, to;
+
+    // What ICU gives, or the copy where it fails or runs out of room.
+    std::int32_t convert(const std::string &text, const exact_buffer &buf) const {
+        std::vector<UChar> units(text.size() + 1);
+        UErrorCode status = U_ZERO_ERROR;
+        const auto size = static_cast<std::int32_t>(text.size());
+        const std::int32_t wide =
+            ucnv_toUChars(from.get(), units.data(), size + 1, text.data(), size, &status);
+        const std::int32_t length =
+            ucnv_fromUChars(to.get(), buf.data(), buf.length(), units.data(), wide, &status);
+        if (U_SUCCESS(status))
+            return length;
+        const std::int32_t copied = std::min(size, std::max(buf.length() - 1, 0));
+        std::memcpy(buf.data(), text.data(), static_cast<std::size_t>(copied));
+        if (buf.length() > 0)
+            buf.data()[copied] = '\0';
+        return copied;
+    }
+};
+
+struct charset_pair {
+    const char *from, *to;
+    neighbour icu{open_converter(from), open_converter(to)};
+
+    void earn_table() const {
+        const std::string high(200'000, '\xA9'); // not ASCII in any way, and so for ICU
+        const exact_buffer buf(high.size() * 9);
+        for (int i = 0; i < 2; ++i)
+            ZEL_ConvertBuffer(from, to, high.data(), static_cast<int>(high.size()), buf.data(), buf.length());
+    }
+
+    bool has_table() const {
+        const zel::fast_path &found = zel::find_pair(from, to)->path;
+        return zel::table_of(found.characters) || zel::table_of(found.bytes);
+    }
+
+    bool agrees(const std::string &text, std::int32_t size) const {
+        const exact_buffer ours(static_cast<std::size_t>(size)), theirs(static_cast<std::size_t>(size));
+        const auto length = static_cast<std::int32_t>(text.size());
+        const std::int32_t result = ZEL_ConvertBuffer(from, to, text.data(), length, ours.data(), size);
+        const std::int32_t expected = icu.convert(text, theirs);
+        const auto seen = static_cast<std::size_t>(std::min(result + 1, size));
+        return result == expected && ours.bytes().substr(0, seen) == theirs.bytes().substr(0, seen);
+    }
+};
+
+std::string in_utf8(char32_t character) {
+    UErrorCode status = U_ZERO_ERROR;
+    static const converter utf8 = open_converter("UTF-8");
+    const UChar unit = static_cast<UChar>(character);
+    char bytes[8];
+    const std::int32_t length = ucnv_fromUChars(utf8.get(), bytes, sizeof bytes, &unit, 1, &status);
+    return {bytes, static_cast<std::size_t>(length)};
+}
+
+// Characters that the charset holds, ASCII between them, and now and then what breaks them.
+std::string random_text(std::mt19937 &random, const std::vector<std::string> &characters) {
+    std::string text;
+    for (std::size_t pieces = random() % 40; pieces > 0; --pieces) {
+        const std::size_t kind = random() % 100;
+        if (kind < 40)
+            text +=
+                std::string(random() % 25, static_cast<char>(' ' + random() % 95)) + (kind < 5 ? "\r\n" : "");
+        else if (kind < 50)
+            text += std::string(random() % 200, 'a');
+        else if (kind < 95)
+            for (std::size_t length = random() % (kind < 60 ? 50 : 4); length > 0; --length)
+                text += characters[random() % characters.size()];
+        else if (kind < 98)
+            text += static_cast<char>(random());
+        else
+            text += kind == 98 ? "\x1B$B" : "\x1B(B";
+    }
+    return text;
+}
+
+bool has_states(const std::string &charset) {
+    return charset == "iso-2022-kr" || charset == "hz-gb-2312" || charset == "utf-7" ||
+           charset == "ISCII,version=0";
+}
+
+class FastPath : public testing::TestWithParam<const char *> {};
+
+TEST_P(FastPath, gives_what_icu_gives_to_the_byte_at_every_size) {
+    start_library();
+    const charset_pair out{"UTF-8", GetParam()}, in{GetParam(), "UTF-8"};
+    out.earn_table();
+    in.earn_table();
+    ASSERT_EQ(out.has_table(), !has_states(GetParam()));
+    ASSERT_EQ(in.has_table(), !has_states(GetParam()));
+    std::vector<std::string> utf8, bytes;
+    for (char32_t character = 1; character < 0x10000; ++character) {
+        const std::string text = in_utf8(character);
+        ASSERT_TRUE(out.agrees("a" + text + "b", 32)) << std::hex << std::uint32_t(character);
+        const exact_buffer coded(16);
+        const std::int32_t length = out.icu.convert(text, coded);
+        if (length < 1 || coded.bytes().find('\x1A') < static_cast<std::size_t>(length))
+            continue;
+        utf8.push_back(text);
+        bytes.emplace_back(coded.data(), static_cast<std::size_t>(length));
+        ASSERT_TRUE(in.agrees(bytes.back() + "b", 32)) << std::hex << std::uint32_t(character);
+    }
+    std::mt19937 random(1);
+    for (int round = 0; round < 1000; ++round) {
+        const std::string wide = random_text(random, utf8), narrow = random_text(random, bytes);
+        const auto need = static_cast<std::int32_t>(3 * std::max(wide.size(), narrow.size()) + 8);
+        for (const std::int32_t size :
+             {need, static_cast<std::int32_t>(random() % need), need / 3, need / 4}) {
+            ASSERT_TRUE(out.agrees(wide, size)) << testing::PrintToString(wide) << " at " << size;
+            ASSERT_TRUE(in.agrees(narrow, size)) << testing::PrintToString(narrow) << " at " << size;
+        }
+    }
+}
+
+TEST_P(FastPath, converts_in_place_as_icu_would) {
+    start_library();
+    const charset_pair out{"UTF-8", GetParam()}, in{GetParam(), "UTF-8"};
+    for (const charset_pair *each : {&out, &in}) {
+        each->earn_table();
+        const std::string text =
+            "a text of ASCII, \u0440\u0443\u0441\u0441\u043a\u0438\u0439 \u65e5\u672c\u8a9e";
+        const exact_buffer apart(1000), same(1000);
+        const std::int32_t length = each->icu.convert(text, apart);
+        text.copy(same.data(), text.size());
+        ASSERT_EQ(ZEL_ConvertBuffer(each->from, each->to, same.data(), static_cast<int>(text.size()),
+                                    same.data(), same.length()),
+                  length);
+        EXPECT_EQ(same.text(), apart.text());
+    }
+}
+
+TEST(FastPathOfBytes, gives_what_icu_gives_between_charsets_of_single_bytes) {
+    start_library();
+    const charset_pair pair{"windows-1252", "iso-8859-15"};
+    pair.earn_table();
+    ASSERT_TRUE(pair.has_table());
+    for (int byte = 0; byte < 256; ++byte)
+        for (const char *const around : {"", "a", "\xE9\x80 and more of it"}) {
+            const std::string text = around + std::string(1, static_cast<char>(byte)) + around;
+            for (std::int32_t size = 0; size < static_cast<std::int32_t>(text.size()) + 3; ++size)
+                ASSERT_TRUE(pair.agrees(text, size)) << testing::PrintToString(text) << " at " << size;
+        }
+    for (const auto &[from, to] : {std::pair{"windows-1252", "euc-jp"}, std::pair{"euc-jp", "Shift_JIS"},
+                                   std::pair{"windows-1252", "utf-16"}, std::pair{"hz-gb-2312", "latin1"}}) {
+        const charset_pair none{from, to};
+        none.earn_table();
+        EXPECT_FALSE(none.has_table()) << from << to;
+    }
+}
+
+TEST(FastPathTables, are_shared_by_all_names_that_icu_opens_as_one_charset) {
+    start_library();
+    const auto has_table = [](const char *from, const char *to) {
+        EXPECT_EQ(ZEL_EncodingConverterExists(from, to), 1);
+        return charset_pair{from, to}.has_table();
+    };
+    charset_pair{"windows-1252", "UTF-8"}.earn_table();
+    charset_pair{"windows-1252", "iso-8859-15"}.earn_table();
+    charset_pair{"csISO2022JP", "UTF-8"}.earn_table();
+    for (const auto &[from, to] : {std::pair{"cp1252", "UTF-8"}, std::pair{"utf8", "CP-1252,x"},
+                                   std::pair{"cp1252", "latin-9"}, std::pair{"utf-8", "iso-2022-jp"}})
+        EXPECT_TRUE(has_table(from, to)) << from << to;
+    for (const auto &[from, to] : {std::pair{"ibm-1252", "UTF-8"}, std::pair{"latin-9", "windows-1252"},
+                                   std::pair{"iso-2022-jp-2", "UTF-8"}})
+        EXPECT_FALSE(has_table(from, to)) << from << to;
+}
+
+INSTANTIATE_TEST_SUITE_P(Charsets, FastPath,
+                         testing::Values("us-ascii", "iso-8859-1", "iso-8859-2", "iso-8859-4", "iso-8859-5",
+                                         "iso-8859-6", "iso-8859-7", "iso-8859-8", "iso-8859-9",
+                                         "iso-8859-15", "windows-1252", "tis-620", "iso-2022-jp", "Shift_JIS",
+                                         "euc-jp", "euc-kr", "ks_c_5601-1987", "iso-2022-kr", "gb2312",
+                                         "hz-gb-2312", "big5", "utf-7", "ISCII,version=0"));
+
+} // namespace
