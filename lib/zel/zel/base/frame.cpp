@@ -1,3 +1,8 @@
+// The exported data that start-up fills, and the questions that every module asks of it. A broken contract of
+// a call ends in fail_assertion, which says so on stderr in every build and stops the process.
+//
+// Invariant: only the status word changes while other threads are inside, and it is read as an atomic.
+
 #include "zel/base/frame.h"
 
 #include <atomic>

@@ -1,4 +1,4 @@
-// ICU's converter, owned.
+// ICU's converter, which its owner closes.
 
 #pragma once
 

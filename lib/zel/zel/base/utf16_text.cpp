@@ -1,4 +1,4 @@
-// See utf16_text.h.
+// Text is taken in by one call of ICU, into memory that the smallest character of the source bounds.
 
 #include "zel/base/utf16_text.h"
 

@@ -1,4 +1,6 @@
 // Text in UTF-16, on its way from one charset to another or to ICU's services.
+//
+// Invariant: units is null, or holds length units.
 
 #pragma once
 

@@ -1,3 +1,9 @@
+// Encoding takes groups of three bytes: two reads of a table of twelve bits each, or eight groups in
+// registers where the processor has AVX2. The last, padded group and what stands between lines is put by
+// hand. Decoding reads four characters at a time by a table in which what is foreign counts as 0.
+//
+// Invariant: the fast code writes what the groups would have given, and the tests hold the two together.
+
 #include "zel/codec/base64.h"
 
 #include "zel.h"

@@ -1,3 +1,9 @@
+// A line is written unit by unit, from a table that has each byte as it stands on the wire, up to a line end
+// or the line's limit; the code around that breaks lines and frames words. A decoder copies what needs no
+// decoding by vectors, and finds the escapes by the bitmask of a block.
+//
+// Invariant: a unit is stored whole or not at all; the limits of a line hold for every byte sequence.
+
 #include "zel/codec/quoted_printable.h"
 
 #include "zel/base/escapes.h"

@@ -1,3 +1,9 @@
+// The pair of charsets is looked up once for a text. From there the text goes the first of these ways that
+// serves it: the copy (one charset, or pass-through), a route of the library's own, the fast path, and ICU by
+// way of UTF-16 in a scratch buffer, on converters that are borrowed for the call.
+//
+// Invariant: whatever fails, the caller gets the copy of the input, or is told that ICU knows no such pair.
+
 #include "zel/conversion/buffer_conversion.h"
 
 #include "zel.h"

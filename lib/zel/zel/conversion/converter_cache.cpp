@@ -1,3 +1,9 @@
+// A pair is found by an index, without a lock; an instance of it is lent under the lock, and given back
+// without. What is missing is opened outside of the lock and appended: to the pair's chain of instances, or
+// to the list of pairs and its index.
+//
+// Invariant: a failure is not remembered, and a record is never taken out before the stop.
+
 #include "zel/conversion/converter_cache.h"
 
 #include "zel.h"

@@ -1,3 +1,7 @@
+// The table of routes, and how the rest of the library asks it.
+//
+// Invariant: no two rows serve the same pair in one scope.
+
 #include "zel/conversion/routes.h"
 
 #include "zel/base/charset_names.h"

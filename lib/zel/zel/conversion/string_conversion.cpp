@@ -1,3 +1,9 @@
+// A string is measured, its size estimated, and converted into memory of its own, of one byte more than it
+// was told, so that it is terminated even where ICU fills all of it. What is no UTF-8 never reaches a
+// converter from UTF-8, and mode 1 of escaped Unicode needs none.
+//
+// Invariant: each result is fresh memory, terminated, and has one owner.
+
 #include "zel/conversion/string_conversion.h"
 
 #include "zel.h"

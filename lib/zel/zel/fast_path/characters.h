@@ -1,4 +1,6 @@
-// The characters of the tables one at a time, for the scalar steps of the kernels.
+// The characters of the tables one at a time, for the scalar steps of the kernels: the obvious code.
+//
+// Invariant: nothing is read behind the text, and a character is put whole or not at all.
 
 #pragma once
 

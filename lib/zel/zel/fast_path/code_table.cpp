@@ -1,3 +1,8 @@
+// ICU is asked for each character by itself, in both directions, with callbacks that stop at whatever is not
+// an exact mapping; in ISO-2022-JP each character comes with the escape sequences around it.
+//
+// Invariant: only what ICU gives without error, and one for one, gets into a table.
+
 #include "zel/fast_path/code_table.h"
 
 #include "zel/base/icu_converter.h"

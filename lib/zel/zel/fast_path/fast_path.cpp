@@ -1,3 +1,9 @@
+// What a pair can have is settled when it is met: which bytes of ASCII it keeps, and which table could serve
+// it. A conversion then takes the table if it has been built, else the identity of ASCII, else it is left to
+// ICU.
+//
+// Invariant: no lock, and nothing shared is written, once a table stands.
+
 #include "zel/fast_path/fast_path.h"
 
 #include "zel/base/output.h"

@@ -1,3 +1,7 @@
+// One list of tables by charset and one by two charsets of single bytes, by the names that ICU has for them.
+//
+// Invariant: links and counters are atomic; exactly one thread reaches the mark, and builds the table.
+
 #include "zel/fast_path/shared_tables.h"
 
 #include "zel/base/charset_names.h"

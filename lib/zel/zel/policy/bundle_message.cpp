@@ -1,3 +1,7 @@
+// Bundles and texts are opened, read and let go in one call; ICU's strings become UTF-8 here.
+//
+// Invariant: whatever ICU lacks or fails at is a null, and never an error of the caller's.
+
 #include "zel/policy/bundle_message.h"
 
 #include "zel.h"

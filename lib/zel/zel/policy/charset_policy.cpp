@@ -1,3 +1,9 @@
+// For a language and a use, mail or the web, the remembered answer is taken, else the bundle's, else that of
+// the table of languages, and what was taken is remembered. What a text may then go out as follows from its
+// bytes.
+//
+// Invariant: charset names that are given out live until the stop.
+
 #include "zel/policy/charset_policy.h"
 
 #include "zel.h"

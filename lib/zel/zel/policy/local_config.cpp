@@ -1,3 +1,8 @@
+// An answer is looked for by its index, without a lock. Only where there is none is the lock taken and the
+// bundle read, for one thread at a time; the answer is then appended, unless another thread has just done so.
+//
+// Invariant: that of the list.
+
 #include "zel/policy/local_config.h"
 
 #include "zel.h"
