@@ -49,7 +49,7 @@ TEST(HeaderComparison, sees_through_encodings_and_folds) {
 
 TEST(HeaderComparison, reaches_the_last_byte_of_values_of_any_size) {
     start_library();
-    for (const std::size_t size : {1, 2, 1023, 1024, 1025, 100000}) {
+    for (const std::size_t size : {1U, 2U, 1023U, 1024U, 1025U, 100000U}) {
         const std::string same(size - 1, 'x');
         EXPECT_EQ(compare_headers("en", same + 'a', same + 'b'), -1) << size;
         EXPECT_EQ(compare_headers("en", same + 'b', same + 'a'), 1) << size;

@@ -155,7 +155,7 @@ std::string runs_of(const script &of, std::size_t singles, std::size_t pairs) {
         text += static_cast<char>('a' + i % 26);
     text += of.opening;
     for (std::size_t i = 0; i < pairs; ++i)
-        text += {of.pair[0], static_cast<char>(of.pair[1] + i % 7)};
+        text += {of.pair[0], static_cast<char>(of.pair[1] + static_cast<int>(i % 7))};
     return text + of.closing;
 }
 

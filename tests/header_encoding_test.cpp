@@ -83,7 +83,7 @@ TEST(HeaderEncoding, japanese_runs_become_b_words_amid_plain_text) {
          {"ja", "Shift_JIS", repeated("\x82\xA0", 13) + "\xB1",
           ja + repeated("JCIkIiQi", 4) + "GyhC?=" + fold + ja + "JCIbKEIa?="},
          // the cut splits a pair, and its trail byte is plain text
-         {"ja", "Shift_JIS", "\xB1" + repeated("\x83\\", 13),
+         {"ja", "Shift_JIS", '\xB1' + repeated("\x83\\", 13),
           "=?iso-2022-jp?B?GhskQiU9JT0lPSU9JT0lPSU9JT0lPSU9JT0bKEIa?=" + fold + "\\" + ja + "JT0bKEI=?="},
          {"ja", "nonsense", "\xA4\xA2 \xA4\xA4", "=?iso-2022-jp?B?pKI=?= =?iso-2022-jp?B?pKQ=?="}});
 }

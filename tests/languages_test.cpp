@@ -43,7 +43,7 @@ TEST(Languages, the_list_names_every_language_in_the_order_of_ids) {
               "sr,mk,uk,el,tr,ar,he,yi,th,ja,ko,zh,zh-CN,zh_CN,zh-TW,zh_TW]");
     std::string tags;
     for (LanguageID id = 1; id <= 47; ++id) {
-        tags += (id == 1 ? "[" : ",") + std::string(ZEL_GetRFC1766LanguageID(id));
+        tags += (id == 1 ? '[' : ',') + std::string(ZEL_GetRFC1766LanguageID(id));
         EXPECT_EQ(ZEL_GetIntLanguageID_strict(ZEL_GetRFC1766LanguageID(id)), id);
     }
     EXPECT_EQ(tags + "]", list);

@@ -69,7 +69,7 @@ TEST(RFC2231, long_values_are_cut_behind_triples_and_quoted_behind_the_last_one)
                 {x(39) + "A9y", ascii + x(39) + "A9" + quoted_y},
                 {repeated("\xE9", 32),
                  latin + repeated("%E9", 13) + next + "1*=" + repeated("%E9", 18) + next + "2*=%E9"},
-                {"\xE9" + x(80) + "\xE9" + x(80), latin + "%E9" + x(35) + next + "1*=" + x(45) + "%E9" +
+                {'\xE9' + x(80) + '\xE9' + x(80), latin + "%E9" + x(35) + next + "1*=" + x(45) + "%E9" +
                                                       x(5) + next + "2=\"" + x(53) + "\"" + next + "3=\"" +
                                                       x(22) + "\""}};
     for (const auto &row : rows) {

@@ -92,7 +92,7 @@ std::string locales(const sample &given) {
     const int32_t order =
         ZEL_CompareMessageHeaderStrings(given.language, given.charset, first.data(), second.data());
     ZEL_CheckStringValidity(given.charset, first.data());
-    return (order < 0 ? "<" : ">") + first.text() +
+    return (order < 0 ? '<' : '>') + first.text() +
            taken(ZEL_GenerateDateString(given.language, "Asia/Tokyo", 1719450900, given.charset));
 }
 

@@ -29,9 +29,6 @@ const unsigned char KanaTbl[63][3] = {
 namespace zel {
 namespace {
 
-constexpr unsigned char ESC = 0x1B;
-constexpr unsigned char SO = 0x0E;
-constexpr unsigned char SI = 0x0F;
 constexpr unsigned char DEL = 0x7F;
 constexpr unsigned char eucjp_kana_prefix = 0x8E;
 

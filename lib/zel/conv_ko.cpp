@@ -2,15 +2,13 @@
 // but the space is a pair, so that a line feed in one begins a pair too.
 
 #include "zel.h"
+#include "zel/base/escape_sequences.h"
 #include "zel/base/frame.h"
 #include "zel/direct/converters.h"
 
 namespace zel {
 namespace {
 
-constexpr unsigned char SO = 0x0E;
-constexpr unsigned char SI = 0x0F;
-constexpr unsigned char ESC = 0x1B;
 constexpr std::string_view designation = "\x1B$)C";
 
 enum class state { UNDESIGNATED, ASCII, KOREAN };

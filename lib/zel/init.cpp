@@ -26,7 +26,7 @@ namespace zel {
 namespace {
 
 constexpr std::size_t max_lang = 128;
-constexpr std::size_t key_capacity = 200;
+constexpr std::size_t locale_key_capacity = 200;
 constexpr int32_t max_i18n_dirs = 100;
 
 struct L10nDirEntry {
@@ -66,7 +66,7 @@ heap_string configured_local_charset(const char *root) {
     const std::string_view lang = std::string_view(value ? value : "C").substr(0, max_lang);
     utsname os = {};
     uname(&os);
-    char lang_on_os[key_capacity], any_os[max_lang + 1], language[3];
+    char lang_on_os[locale_key_capacity], any_os[max_lang + 1], language[3];
     join(lang_on_os, {os.sysname, "|", lang});
     join(any_os, {lang});
     join(language, {lang.substr(0, 2)});

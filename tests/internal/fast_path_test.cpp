@@ -129,7 +129,7 @@ TEST_P(FastPath, gives_what_icu_gives_to_the_byte_at_every_size) {
         const std::string wide = random_text(random, utf8), narrow = random_text(random, bytes);
         const auto need = static_cast<std::int32_t>(3 * std::max(wide.size(), narrow.size()) + 8);
         for (const std::int32_t size :
-             {need, static_cast<std::int32_t>(random() % need), need / 3, need / 4}) {
+             {need, static_cast<std::int32_t>(random() % static_cast<unsigned>(need)), need / 3, need / 4}) {
             ASSERT_TRUE(out.agrees(wide, size)) << testing::PrintToString(wide) << " at " << size;
             ASSERT_TRUE(in.agrees(narrow, size)) << testing::PrintToString(narrow) << " at " << size;
         }

@@ -38,7 +38,7 @@ TEST(QuotedPrintable, leaves_few_bytes_as_they_are) {
         std::string in_body = (literals + "() \t").find(byte) != std::string::npos ? byte : triple;
         std::string in_word = literals.find(byte) != std::string::npos ? byte : triple;
         if (value == ' ' || value == '\t')
-            in_word = "_";
+            in_word = '_';
         if (value == '\r' || value == '\n')
             in_body = in_word = "\r\n";
         EXPECT_EQ(encoded(byte, false), in_body);

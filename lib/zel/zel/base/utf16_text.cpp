@@ -4,7 +4,7 @@
 
 namespace zel {
 
-heap<UChar> allocate_units(std::uint64_t count) {
+heap<UChar> allocate_units(std::size_t count) {
     return heap<UChar>(static_cast<UChar *>(std::malloc(count * sizeof(UChar))));
 }
 
@@ -12,7 +12,7 @@ utf16_text to_utf16(UConverter *from_cnv, std::int32_t min_char_size, std::strin
     const std::uint64_t capacity = text.size() / static_cast<std::size_t>(min_char_size) + 1;
     if (text.size() > INT32_MAX || capacity > INT32_MAX)
         return {};
-    utf16_text taken = {allocate_units(capacity), 0};
+    utf16_text taken = {allocate_units(static_cast<std::size_t>(capacity)), 0};
     if (!taken.units)
         return {};
     UErrorCode status = U_ZERO_ERROR;

@@ -17,7 +17,7 @@ struct utf16_text {
     std::int32_t length;
 };
 
-heap<UChar> allocate_units(std::uint64_t count);
+heap<UChar> allocate_units(std::size_t count);
 
 // A text of n bytes has room for n / min_char_size + 1 units: what needs more is not taken in.
 utf16_text to_utf16(UConverter *from_cnv, std::int32_t min_char_size, std::string_view text);

@@ -19,11 +19,10 @@ namespace zel {
 namespace {
 
 constexpr std::size_t group = 3;
-constexpr std::size_t group_characters = 4;
 
 using character_pair = std::array<char, 2>;
 
-constexpr auto pairs = [] {
+constexpr auto character_pairs = [] {
     std::array<character_pair, 1 << 12> all = {};
     for (unsigned bits = 0; bits < all.size(); ++bits)
         all[bits] = {basis_64[bits >> 6], basis_64[bits & 0x3F]};
@@ -37,8 +36,8 @@ std::size_t left(const base64_cursors &at, const char *end) {
 inline void encode_group(base64_cursors &at) {
     const auto *bytes = reinterpret_cast<const unsigned char *>(at.from);
     const unsigned bits = static_cast<unsigned>(bytes[0] << 16 | bytes[1] << 8 | bytes[2]);
-    std::memcpy(at.to, &pairs[bits >> 12], sizeof(character_pair));
-    std::memcpy(at.to + sizeof(character_pair), &pairs[bits & 0xFFF], sizeof(character_pair));
+    std::memcpy(at.to, &character_pairs[bits >> 12], sizeof(character_pair));
+    std::memcpy(at.to + sizeof(character_pair), &character_pairs[bits & 0xFFF], sizeof(character_pair));
     at.from += group;
     at.to += group_characters;
 }
@@ -67,7 +66,7 @@ base64_cursors encode_lines_by_groups(base64_cursors at, const char *end) {
 #ifdef __x86_64__
 namespace {
 
-constexpr std::size_t step = 8 * group;
+constexpr std::size_t step_bytes = 8 * group;
 constexpr std::size_t step_characters = 8 * group_characters;
 
 [[gnu::target("avx2")]] inline __m128i load_half(const char *from) {
@@ -109,7 +108,7 @@ constexpr std::size_t step_characters = 8 * group_characters;
 
 [[gnu::target("avx2")]] inline void encode_step(base64_cursors &at) {
     _mm256_storeu_si256(reinterpret_cast<__m256i *>(at.to), characters_of(sixes_of(load_groups(at.from))));
-    at.from += step;
+    at.from += step_bytes;
     at.to += step_characters;
 }
 
@@ -120,7 +119,7 @@ constexpr std::size_t step_characters = 8 * group_characters;
         encode_group(at);
         put_line_break(at);
     }
-    while (left(at, end) >= step)
+    while (left(at, end) >= step_bytes)
         encode_step(at);
     return at;
 }
@@ -192,7 +191,7 @@ constexpr bool holds_zero(std::uint32_t bits) {
 } // namespace
 
 bool put_base64(output &to, std::string_view from) {
-    const std::size_t size = base64_size(from.size());
+    const auto size = static_cast<std::size_t>(base64_size(from.size()));
     if (!fits(to, size))
         return false;
     if (to.start)

@@ -13,8 +13,9 @@ namespace zel {
 inline constexpr std::string_view basis_64 =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
-inline constexpr std::size_t base64_line = 68; // characters: a line never grows by a group beyond 70
-inline constexpr std::size_t base64_line_bytes = base64_line / 4 * 3;
+inline constexpr std::size_t group_characters = 4; // for three bytes
+inline constexpr std::size_t base64_line = 68;     // characters: a line never grows by a group beyond 70
+inline constexpr std::size_t base64_line_bytes = base64_line / group_characters * 3;
 
 // Where encoding has come to, in the text and in the buffer.
 struct base64_cursors {

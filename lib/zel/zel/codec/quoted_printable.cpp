@@ -60,11 +60,13 @@ constexpr qp_mode mode_of(bool q_mode, std::uint32_t limit) {
     return mode;
 }
 
-constexpr qp_mode body = mode_of(false, 73);
-constexpr qp_mode word = mode_of(true, 60);
+constexpr qp_mode qp_body = mode_of(false, 73);
+constexpr qp_mode q_word = mode_of(true, 60);
 
-static_assert(body.units['='].length == 3 && body.units['.'].length == 3 && body.units['('].length == 1);
-static_assert(word.units['+'].length == 1 && word.units['\0'].length == 3 && word.units['('].length == 3);
+static_assert(qp_body.units['='].length == 3 && qp_body.units['.'].length == 3 &&
+              qp_body.units['('].length == 1);
+static_assert(q_word.units['+'].length == 1 && q_word.units['\0'].length == 3 &&
+              q_word.units['('].length == 3);
 
 constexpr std::size_t ample = 80; // for any line, and what a store writes behind its last unit
 
@@ -128,12 +130,12 @@ bool put_soft_break(output &to, std::uint32_t &column) {
 bool put_body(input from, output &to) {
     std::uint32_t column = 0;
     while (!ended(from)) {
-        if (!put_units<body>(from, to, column))
+        if (!put_units<qp_body>(from, to, column))
             return false;
-        const bool broken = column >= body.limit || (!ended(from) && column > 0 && is_blank(from.at[-1]));
+        const bool broken = column >= qp_body.limit || (!ended(from) && column > 0 && is_blank(from.at[-1]));
         if (broken && !put_soft_break(to, column))
             return false;
-        if (!ended(from) && body.units[*from.at].length == 0 && !put_line_end(from, to, column))
+        if (!ended(from) && qp_body.units[*from.at].length == 0 && !put_line_end(from, to, column))
             return false;
     }
     return true;
@@ -151,9 +153,9 @@ bool put_words(input from, output &to, std::string_view charset, std::size_t &wo
     std::uint32_t column = 0;
     bool word_closed = false;
     while (!ended(from)) {
-        if (!put_units<word>(from, to, column))
+        if (!put_units<q_word>(from, to, column))
             return false;
-        if (column < word.limit) {
+        if (column < q_word.limit) {
             if (!ended(from) && !put_line_end(from, to, column))
                 return false;
             continue;

@@ -23,7 +23,7 @@ struct byte_range {
     unsigned char first, last;
 };
 
-constexpr byte_range seven_bit = {0x00, 0x7F};
+constexpr byte_range ascii_bytes = {0x00, 0x7F};
 
 // What is neither a lead nor single is broken, unless it is a trail.
 struct double_byte_family {
@@ -32,16 +32,16 @@ struct double_byte_family {
     bool trail_has_high_bit; // otherwise any byte is a trail, and so is a missing one
 };
 
-constexpr double_byte_family euc = {{{0x80, 0xFF}, {0x80, 0xFF}}, {seven_bit, seven_bit}, true};
-constexpr double_byte_family shift_jis = {{{0x81, 0x9F}, {0xE0, 0xFC}}, {seven_bit, {0xA0, 0xDF}}, false};
-constexpr double_byte_family big5 = {{{0xA1, 0xF9}, {0xA1, 0xF9}}, {seven_bit, seven_bit}, false};
+constexpr double_byte_family euc = {{{0x80, 0xFF}, {0x80, 0xFF}}, {ascii_bytes, ascii_bytes}, true};
+constexpr double_byte_family sjis = {{{0x81, 0x9F}, {0xE0, 0xFC}}, {ascii_bytes, {0xA0, 0xDF}}, false};
+constexpr double_byte_family big5 = {{{0xA1, 0xF9}, {0xA1, 0xF9}}, {ascii_bytes, ascii_bytes}, false};
 
 const double_byte_family *family_of(const char *charset) {
     for (const char *const name : {ianaEUCKR, ianaEUCJP, ianaGB2312, ianaKSC5601})
         if (same_name(charset, name))
             return &euc;
     if (same_name(charset, ianaSHIFTJIS))
-        return &shift_jis;
+        return &sjis;
     return same_name(charset, ianaBIG5) ? &big5 : nullptr;
 }
 

@@ -30,6 +30,9 @@ charset_pair look_up(const char *from_charset, const char *to_charset);
 // Whether ICU has a converter for the pair.
 bool is_known(const charset_pair &pair);
 
+// What the functions of bodies return where it has none.
+inline constexpr std::int32_t no_converter = -5;
+
 // The same, for a pair that is used more than once: asked for a new one, it puts the answer in.
 bool come_to_know(charset_pair &pair);
 

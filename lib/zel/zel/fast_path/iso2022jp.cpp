@@ -12,7 +12,6 @@
 namespace zel {
 namespace {
 
-constexpr unsigned char ESC = 0x1B;
 
 bool stands(const unsigned char *at, std::string_view bytes) {
     return std::memcmp(at, bytes.data(), bytes.size()) == 0;

@@ -15,36 +15,34 @@
 namespace zel {
 namespace {
 
-constexpr std::int32_t no_converter = -5;
-
-struct body {
+struct received_body {
     const char *language;
     charset_pair pair;
     std::string_view bytes;
 };
 
-bool goes_between(const body &from, const char *from_charset, const char *to_charset) {
+bool goes_between(const received_body &from, const char *from_charset, const char *to_charset) {
     return same_name(from.pair.from_charset, from_charset) && same_name(from.pair.to_charset, to_charset);
 }
 
 // The first two letters of the language open a route, whatever follows them.
-const route *find_open_route(const body &from) {
+const route *find_open_route(const received_body &from) {
     const route *found = find_route(scope::received_bodies, from.pair.from_charset, from.pair.to_charset);
     const bool is_open = found && from.language && std::strncmp(from.language, found->language, 2) == 0;
     return is_open ? found : nullptr;
 }
 
-bool is_korean_pair(const body &from) {
+bool is_korean_pair(const received_body &from) {
     return goes_between(from, ianaISO2022KR, ianaEUCKR);
 }
 
 // The Korean and the HZ pair need no converter of ICU, so they are not asked for one, under any language.
-bool is_convertible(const body &from) {
+bool is_convertible(const received_body &from) {
     return same_name(from.pair.from_charset, from.pair.to_charset) || is_korean_pair(from) ||
            goes_between(from, ianaHZ, ianaGB2312) || is_known(from.pair);
 }
 
-std::int32_t estimate(const body &from) {
+std::int32_t estimate(const received_body &from) {
     if (is_korean_pair(from))
         return saturate(2 * static_cast<std::uint64_t>(from.bytes.size()));
     return from.bytes.empty() ? 1 : result_size(from.pair, from.bytes.size());
@@ -61,7 +59,7 @@ std::int32_t convert_by_route(const route &direct, std::string_view bytes, char 
 }
 
 // ICU may fill a buffer of the estimated size to its last byte, which leaves no room for a terminator.
-std::int32_t convert_by_buffer(const body &from, char *to_buf, std::int32_t to_size) {
+std::int32_t convert_by_buffer(const received_body &from, char *to_buf, std::int32_t to_size) {
     output to = output_to(to_buf, to_size);
     if (put_converted(to, from.pair, from.bytes))
         return finish(to);
@@ -71,7 +69,7 @@ std::int32_t convert_by_buffer(const body &from, char *to_buf, std::int32_t to_s
     return finish(to);
 }
 
-std::int32_t _InternetMessageBodyToLocal(const body &from, char *to_buf, std::int32_t to_size) {
+std::int32_t _InternetMessageBodyToLocal(const received_body &from, char *to_buf, std::int32_t to_size) {
     if (!is_convertible(from))
         return no_converter;
     if (to_size < 0)
@@ -93,7 +91,7 @@ int32_t ZEL_InternetMessageBodyLocalToLocalLen(const char *language, const char 
     const bool is_given = has_text(from_charset);
     const std::size_t length = from_len < 0 ? std::strlen(from_buf) : static_cast<std::size_t>(from_len);
     const charset_pair pair = look_up(is_given ? from_charset : mail_charset(language), to_charset);
-    const body from = {language, pair, {from_buf, length}};
+    const received_body from = {language, pair, {from_buf, length}};
     return _InternetMessageBodyToLocal(from, to_buf, to_size);
 }
 

@@ -20,7 +20,6 @@ namespace {
 
 constexpr std::int32_t no_text = -1;
 constexpr std::int32_t unknown_language = -2;
-constexpr std::int32_t no_converter = -5;
 
 struct body {
     std::string_view text;

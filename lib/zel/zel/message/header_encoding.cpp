@@ -137,7 +137,7 @@ bool put_word(b_pass &pass, std::string_view segment) {
     const std::int32_t length = convert_or_copy(value.pair, segment, converted, sizeof converted);
     const std::string_view text(converted, strnlen(converted, static_cast<std::size_t>(length)));
     const std::string_view charset = value.charset;
-    const std::size_t size = charset.size() + word_frame + base64_size(text.size());
+    const std::size_t size = charset.size() + word_frame + static_cast<std::size_t>(base64_size(text.size()));
     pass.column += size;
     return fits(pass.to, size) && put(pass.to, "=?") && put(pass.to, charset) && put(pass.to, "?B?") &&
            put_base64(pass.to, text) && put(pass.to, "?=");

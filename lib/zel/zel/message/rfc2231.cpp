@@ -55,7 +55,7 @@ heap_string percent_encode(std::string_view text) {
     return encoded;
 }
 
-constexpr std::size_t line_limit = 66; // characters, of the prefix and the value
+constexpr std::size_t segment_limit = 66; // characters, of the prefix and the value
 
 struct parameter {
     std::string_view name;
@@ -124,8 +124,8 @@ void put_segments(output &to, const parameter &names, std::string_view rest) {
         const std::size_t prefix = prefix_length(names, current);
         if (!fits(to, line_end.size() + prefix) || !put(to, line_end) || !put_prefix(to, names, current))
             return;
-        const bool last = prefix > line_limit || rest.size() < line_limit - prefix;
-        const std::size_t cut = last ? rest.size() : cut_behind_triple(rest, line_limit - prefix);
+        const bool last = prefix > segment_limit || rest.size() < segment_limit - prefix;
+        const std::size_t cut = last ? rest.size() : cut_behind_triple(rest, segment_limit - prefix);
         if (!put_triples(to, rest.substr(0, cut)) || !put(to, current.quoted ? "\"" : "") || last)
             return;
         rest.remove_prefix(cut);
@@ -166,7 +166,7 @@ std::int32_t estimate_parameter(const parameter &names, const char *from_charset
                                        ? ZEL_GetResultBufferSize(text, -1, from_charset, names.charset.data())
                                        : saturate(std::strlen(text) + 1);
     const std::uint64_t line = prefix_length(names, {0, false}) + static_cast<std::uint64_t>(converted) * 3;
-    if (line <= std::min<std::uint64_t>(line_limit, formula))
+    if (line <= std::min<std::uint64_t>(segment_limit, formula))
         return saturate(formula);
     return size_or_need(formula, [&](output &counted) { put_parameter(counted, names, from_charset, text); });
 }

@@ -19,7 +19,10 @@
 
 namespace zel {
 
-// The escape sequences of ISO-2022-JP (RFC 1468) that its writers use.
+// The controls of ISO 2022, and the escape sequences of ISO-2022-JP (RFC 1468) that its writers use.
+inline constexpr unsigned char SO = 0x0E;
+inline constexpr unsigned char SI = 0x0F;
+inline constexpr unsigned char ESC = 0x1B;
 inline constexpr std::string_view enter_kanji = "\x1B$B"; // JIS X 0208-1983
 inline constexpr std::string_view leave_kanji = "\x1B(B"; // ASCII
 inline constexpr std::size_t longest_shift = 3;           // which both are
