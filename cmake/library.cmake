@@ -1,6 +1,11 @@
 # The two libraries. libzel's object files are a target of their own, so that the tests of its internals link the very
 # code that is in libzel.so.
 
+if(DEFINED BUILD_SHARED_LIBS AND NOT BUILD_SHARED_LIBS)
+    message(FATAL_ERROR "libzel is a shared library only, and BUILD_SHARED_LIBS is off: a project whose own libraries are "
+                        "static sets it to ON before it takes libzel by add_subdirectory.")
+endif()
+
 find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
 pkg_check_modules(ICU REQUIRED IMPORTED_TARGET icu-i18n icu-uc)

@@ -7,6 +7,12 @@
 #include <stdio.h>
 #include <string.h>
 
+#ifdef __has_include
+#if __has_include("zel/base/frame.h")
+#error "hosts see headers that are the library's own"
+#endif
+#endif
+
 int main(int argc, char **argv) {
     ZELConfig config = {0, 0, 0, NULL};
     char *text;
