@@ -23,6 +23,12 @@ if(ZEL_WERROR)
     list(APPEND ZEL_WARNINGS -Werror)
 endif()
 
+# What is installed is the same wherever it is built. A debugger wants the real folders.
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+foreach(folder ${PROJECT_SOURCE_DIR} ${CMAKE_BINARY_DIR})
+    add_compile_options($<$<NOT:$<CONFIG:Debug>>:-ffile-prefix-map=${folder}=.>)
+endforeach()
+
 add_compile_options(${ZEL_FLAGS})
 if(ZEL_SANITIZE)
     add_compile_options(-fsanitize=${ZEL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
