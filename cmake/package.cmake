@@ -3,7 +3,6 @@
 #   libqorm        the support library, which a host's own package replaces: libzel1 asks for the name alone.
 #   libzel-common  the default charset bundle
 #   libzel-dev     headers, link names, zel.pc, the CMake package, the bundle compiler, manual pages and HTML
-# libzel-dev needs ICU's and NSPR's own -dev packages, because zel.pc names their .pc files.
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_CONTACT "libzel maintainers <maintainers@example.org>")
@@ -63,7 +62,7 @@ package(development libzel-dev "charsets and message encoding for mail servers (
         "bundles and the reference.")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
-    "libzel${ZEL_ABI} ${this_version}, libzel-common ${this_version}, libicu-dev, libnspr4-dev, icu-devtools")
+    "libzel${ZEL_ABI} ${this_version}, libzel-common ${this_version}, icu-devtools")
 
 set(CPACK_COMPONENTS_ALL runtime support bundle development docs)
 set(CPACK_COMPONENT_DEVELOPMENT_GROUP development)

@@ -1,7 +1,8 @@
 #!/bin/sh
 # Installs the library, moves the installed tree, and builds hosts against it: by pkg-config with the C compiler alone,
-# among them an example and the README's, and as a CMake project. With "-" for a build directory it takes the library
-# that the system's packages have installed.
+# among them an example and the README's, and as a CMake project. zel.pc stands alone, as on a machine without the
+# development files of ICU and NSPR. With "-" for a build directory it takes the library that the system's packages have
+# installed.
 # usage: install.sh CMAKE GENERATOR CC BUILD_DIRECTORY SOURCE_DIRECTORY
 set -eu
 
@@ -17,7 +18,7 @@ if [ "$4" != - ]; then
     DESTDIR=$work/image "$1" --install "$4" --prefix /usr >/dev/null
     mv "$work/image/usr" "$work/moved"
     pc=$(find "$work/moved" -name zel.pc)
-    export PKG_CONFIG_PATH="${pc%/*}" LD_LIBRARY_PATH="${pc%/*/*}" CMAKE_PREFIX_PATH="$work/moved"
+    export PKG_CONFIG_LIBDIR="${pc%/*}" LD_LIBRARY_PATH="${pc%/*/*}" CMAKE_PREFIX_PATH="$work/moved"
 fi
 
 # shellcheck disable=SC2046
