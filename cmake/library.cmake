@@ -6,10 +6,20 @@ if(DEFINED BUILD_SHARED_LIBS AND NOT BUILD_SHARED_LIBS)
                         "static sets it to ON before it takes libzel by add_subdirectory.")
 endif()
 
-find_package(PkgConfig REQUIRED)
+function(refuse_without found what debian_package)
+    if(NOT found)
+        message(FATAL_ERROR "libzel is built with ${what}: on Debian, install ${debian_package}, or run "
+                            "script/bootstrap, which installs all that the build needs.")
+    endif()
+endfunction()
+
 find_package(Threads REQUIRED)
-pkg_check_modules(ICU REQUIRED IMPORTED_TARGET icu-i18n icu-uc)
-pkg_check_modules(NSPR REQUIRED IMPORTED_TARGET nspr)
+find_package(PkgConfig QUIET)
+refuse_without("${PKG_CONFIG_FOUND}" pkg-config pkgconf)
+pkg_check_modules(ICU IMPORTED_TARGET icu-i18n icu-uc)
+refuse_without("${ICU_FOUND}" ICU libicu-dev)
+pkg_check_modules(NSPR IMPORTED_TARGET nspr)
+refuse_without("${NSPR_FOUND}" NSPR libnspr4-dev)
 
 set(link_options -Wl,--as-needed -Wl,-z,relro,-z,now)
 if(NOT ZEL_SANITIZE) # the sanitizers' runtime comes with the host
