@@ -175,6 +175,10 @@ int main(int argc, char **argv) {
     arguments.insert(arguments.end(), argv + 1, argv + argc);
     int count = static_cast<int>(arguments.size());
     benchmark::Initialize(&count, arguments.data());
+    if (count > 2 || (count > 1 && *arguments[1] == '-')) {
+        benchmark::ReportUnrecognizedArguments(count, arguments.data());
+        return 2;
+    }
     setpriority(PRIO_PROCESS, 0, -5); // where it is allowed
     const ZELConfig config = {.bundles_path = "."};
     ZEL_Initialize(nullptr, &config);
