@@ -2,7 +2,6 @@
 // but the space is a pair, so that a line feed in one begins a pair too.
 
 #include "zel.h"
-#include "zel/base/escape_sequences.h"
 #include "zel/base/frame.h"
 #include "zel/direct/converters.h"
 

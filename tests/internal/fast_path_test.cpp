@@ -90,8 +90,10 @@ std::string random_text(std::mt19937 &random, const std::vector<std::string> &ch
         else if (kind < 95)
             for (std::size_t length = random() % (kind < 60 ? 50 : 4); length > 0; --length)
                 text += characters[random() % characters.size()];
-        else if (kind < 98)
+        else if (kind < 97)
             text += static_cast<char>(random());
+        else if (kind < 98)
+            text += random() % 2 ? "\xE0\x80\x81" : "\xED\xA0\x80"; // overlong; a surrogate
         else
             text += kind == 98 ? "\x1B$B" : "\x1B(B";
     }

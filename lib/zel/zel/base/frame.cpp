@@ -23,7 +23,7 @@ char encLocal[charset_capacity] = "";
 namespace {
 
 // The host may store into the word while threads are inside.
-int32_t status() {
+int32_t status_word() {
     return std::atomic_ref<int32_t>(gf_ZELStatus).load(std::memory_order_relaxed);
 }
 
@@ -41,7 +41,7 @@ void fail_assertion(const char *expression, const char *source) {
 }
 
 bool has_started() {
-    return status() != ZEL_STATUS_NOT_INITIALIZED;
+    return status_word() != ZEL_STATUS_NOT_INITIALIZED;
 }
 
 void require_started() {
@@ -50,7 +50,7 @@ void require_started() {
 }
 
 bool passes_through() {
-    return status() == ZEL_STATUS_PASSTHROUGH;
+    return status_word() == ZEL_STATUS_PASSTHROUGH;
 }
 
 bool passes_8bit() {

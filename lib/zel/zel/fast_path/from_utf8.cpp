@@ -29,9 +29,7 @@ struct from_utf8 {
     static constexpr std::size_t writes = block_size + squeeze_slack;
 
     // Gives whether all of the codes are of the common length.
-    bool store_codes(unsigned char *looked_up, const block64 &block, bitmask64 leads) const {
-        std::uint16_t units[block_size];
-        store_code_units(units, block);
+    bool store_codes(unsigned char *looked_up, const std::uint16_t *units, bitmask64 leads) const {
         constexpr unsigned least = SingleByte ? 1 : first_double_byte;
         unsigned lacking = 0; // its highest bit is set by a code that is less
         for (; leads; leads = without_first(leads)) {
@@ -57,12 +55,13 @@ struct from_utf8 {
         }
         const std::size_t length = whole_characters(shape, left(at));
         const bitmask64 bytes = first_bits(length), leads = lead_bytes(shape) & bytes;
-        if (!is_well_formed(shape)) [[unlikely]]
+        std::uint16_t units[block_size];
+        if ((store_code_units(units, block) & leads) || !is_well_formed(shape)) [[unlikely]]
             return status::declined;
         unsigned char looked_up[block_size + 1];
         store_block(looked_up, block);
         bitmask64 kept = (SingleByte ? ~shape.continuation : ~shape.continuation | leads << 1) & bytes;
-        if (!store_codes(looked_up, block, leads)) [[unlikely]] {
+        if (!store_codes(looked_up, units, leads)) [[unlikely]] {
             const bitmask64 zeros = zeros_of(looked_up) & kept;
             if (zeros & (leads | ~shape.high)) // a character without a code, or a NUL
                 return status::declined;

@@ -12,7 +12,6 @@
 namespace zel {
 namespace {
 
-
 bool stands(const unsigned char *at, std::string_view bytes) {
     return std::memcmp(at, bytes.data(), bytes.size()) == 0;
 }
@@ -110,7 +109,8 @@ struct utf8_to_jis {
     // Run by run, on copies of the cursors and of the writer.
     bool put_runs(cursors &at, const block64 &block, const utf8_block &shape, std::size_t length) {
         std::uint16_t units[block_size];
-        store_code_units(units, block);
+        if (store_code_units(units, block) & shape.three_byte & first_bits(length))
+            return false;
         const unsigned char *const start = at.from;
         for (std::size_t place = 0; place < length;) {
             const std::size_t singles = std::min(first_of(shape.high >> place), length - place);

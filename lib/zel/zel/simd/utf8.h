@@ -65,8 +65,10 @@ constexpr bool is_well_formed(const utf8_block &shape) {
 //     three bytes    1110dddd 10aaaabb 10cccccc     x = 10aaaabb, y = 10cccccc
 //     code unit      ddddaaaa bbcccccc              dddd only from a lead byte of three
 //
-// A character that the block cuts off has none.
-inline void store_code_units(std::uint16_t *units, const block64 &block) {
+// A character that the block cuts off has none. Gives the places of overlong forms: of three bytes whose code
+// unit would fit two.
+inline bitmask64 store_code_units(std::uint16_t *units, const block64 &block) {
+    bitmask64 overlong = 0;
     for (std::size_t i = 0; i < std::size(block.vectors); ++i) {
         const vector_bytes first = block.vectors[i];
         const vector_bytes behind = i + 1 < std::size(block.vectors) ? block.vectors[i + 1] : vector_bytes{};
@@ -80,7 +82,9 @@ inline void store_code_units(std::uint16_t *units, const block64 &block) {
         const vector_pair numbers = numbers_of(low, high);
         store_vector(units + i * vector_size, numbers.first);
         store_vector(units + i * vector_size + vector_size / 2, numbers.last);
+        overlong |= bitmask64{bits_of(three_byte & are_between(high, 0x00, 0x07))} << i * vector_size;
     }
+    return overlong;
 }
 
 } // namespace zel

@@ -15,9 +15,6 @@
 #include <emmintrin.h>
 #endif
 
-// Every function here is inlined, so that no vector is ever passed from one function to another.
-#pragma GCC diagnostic ignored "-Wpsabi"
-
 namespace zel {
 
 inline constexpr std::size_t vector_size = 16;
