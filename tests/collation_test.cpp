@@ -27,6 +27,26 @@ TEST(Collation, sorts_as_a_reader_of_the_language_does) {
         EXPECT_EQ(ZEL_CompareStrings(row.locale, row.charset, row.first, row.second), row.order) << row.first;
 }
 
+std::string times(int count, const std::string &text) {
+    std::string all;
+    for (; count > 0; --count)
+        all += text;
+    return all;
+}
+
+int32_t compare(const std::string &first, const std::string &second) {
+    return ZEL_CompareStrings("en", "UTF-8", first.c_str(), second.c_str());
+}
+
+TEST(Collation, sees_what_stands_before_and_behind_marks_however_many) {
+    for (const int pairs : {1, 15, 128, 129, 20000}) {
+        const std::string marks = times(pairs, "\u0301\u0316");
+        EXPECT_EQ(compare("a" + marks + "b", "a" + marks + "c"), -1);
+        EXPECT_EQ(compare("a" + marks, "A" + marks), -1);
+    }
+    EXPECT_EQ(compare(times(128, "\u0301\u0316"), times(128, "\u0316") + times(128, "\u0301")), 0);
+}
+
 TEST(Collation, puts_null_before_any_string_whatever_the_charset) {
     EXPECT_EQ(ZEL_CompareStrings("en", "no such", nullptr, nullptr), 0);
     EXPECT_EQ(ZEL_CompareStrings("en", "no such", nullptr, ""), -1);
@@ -55,6 +75,26 @@ TEST(HeaderComparison, reaches_the_last_byte_of_values_of_any_size) {
         EXPECT_EQ(compare_headers("en", same + 'b', same + 'a'), 1) << size;
         EXPECT_EQ(compare_headers("en", same + 'a', "z"), -1) << size;
     }
+}
+
+// In UTF-8 these letters take two and three bytes, and the header has one for each.
+TEST(HeaderComparison, reaches_the_last_letter_of_a_text_that_is_longer_than_its_header) {
+    start_library();
+    const struct {
+        const char *language, *charset, *letter, *next_letter;
+    } rows[] = {{"ru", "iso-8859-5", "\xD0", "\xD1"},
+                {"el", "iso-8859-7", "\xE1", "\xE2"},
+                {"th", "tis-620", "\xA1", "\xA2"}};
+    for (const auto &row : rows)
+        for (const std::size_t letters : {12, 36, 1000, 1024, 5000}) {
+            std::string text = std::string("=?") + row.charset + "?Q?";
+            for (std::size_t count = 0; count < letters; ++count)
+                text += row.letter;
+            EXPECT_EQ(compare_headers(row.language, text + "?=", text + row.next_letter + "?="), -1) << text;
+            EXPECT_EQ(compare_headers(row.language, text + row.next_letter + "?=", text + row.letter + "?="),
+                      1)
+                << text;
+        }
 }
 
 TEST(HeaderComparison, leaves_both_values_unfolded) {

@@ -51,6 +51,11 @@ constexpr const char *patterns[] = {
     "\xA4 ",
     "\xE9",
     "abc defg \xE3\x81\x82 ",
+    "\u0301\u0316",
+    "\u0F71",
+    "\u0F75\u0F71\u0316",
+    "\u0307",
+    "\U0001D165\U0001D16D",
 };
 
 struct function {
@@ -185,9 +190,14 @@ void validity(char *text, std::int32_t) {
         ZEL_CheckStringValidity(charset, text);
 }
 
-void comparison(char *text, std::int32_t) {
-    ZEL_CompareStrings("de", "UTF-8", text, std::string(text).append("x").c_str());
-    ZEL_CompareMessageHeaderStrings("de", "UTF-8", text, std::string(text).append("x").data());
+// With a difference at the end and with one at the front that what follows may outweigh.
+std::function<void(char *, std::int32_t)> comparing(const char *language) {
+    return [=](char *text, std::int32_t) {
+        const std::string whole = text;
+        ZEL_CompareStrings(language, "UTF-8", text, (whole + "x").c_str());
+        ZEL_CompareStrings(language, "UTF-8", ("a" + whole).c_str(), ("A" + whole).c_str());
+        ZEL_CompareMessageHeaderStrings(language, "UTF-8", text, (whole + "x").data());
+    };
 }
 
 void dates(char *text, std::int32_t) {
@@ -235,7 +245,8 @@ const function functions[] = {
     {"Base64", base64},
     {"vCard values", vcards},
     {"validity", validity},
-    {"comparison", comparison},
+    {"comparison, de", comparing("de")},
+    {"comparison, lt", comparing("lt")},
     {"dates", dates},
 };
 

@@ -2,6 +2,7 @@
 
 #include "support.h"
 
+#include "zel/conversion/icu_converter.h"
 #include "zel/locale/canonical_order.h"
 #include "zel/locale/icu_locale.h"
 
@@ -67,6 +68,36 @@ TEST(CanonicalOrder, is_known_of_charsets_that_have_no_marks) {
     }
     EXPECT_EQ(known, 14);
     EXPECT_FALSE(lacks_marks("iso-8859-6") || lacks_marks("tis-620") || lacks_marks("UTF-8"));
+}
+
+utf16_text broken(const std::u16string &text) {
+    utf16_text copy = {allocate_units(text.size()), static_cast<std::int32_t>(text.size())};
+    std::copy(text.begin(), text.end(), copy.units.get());
+    return break_long_runs(std::move(copy));
+}
+
+TEST(LongRuns, are_broken_wherever_they_stand_and_no_others) {
+    for (const std::u16string mark : {u"\u0301", u"\u0F71", u"\u0F73", u"\U0001D165"})
+        for (const std::size_t count : {30, 256, 257, 600})
+            for (std::size_t before = 0; before < 520; before += 1 + before / 4) {
+                std::u16string text(before, u'a'), expected = text;
+                for (std::size_t number = 1; number <= count; ++number) {
+                    text += mark;
+                    expected += number % 30 == 0 && count > 256 ? mark + u'\u034F' : mark;
+                }
+                const utf16_text result = broken(text + u"\U00010400b" + mark);
+                EXPECT_EQ(std::u16string(result.units.get(), static_cast<std::size_t>(result.length)),
+                          expected + u"\U00010400b" + mark)
+                    << count << " behind " << before;
+            }
+}
+
+TEST(HeaderValues, have_room_as_no_converter_takes_more_than_8_bytes_for_a_unit) {
+    for (std::int32_t index = 0; index < ucnv_countAvailable(); ++index) {
+        UErrorCode status = U_ZERO_ERROR;
+        const icu_converter cnv(ucnv_open(ucnv_getAvailableName(index), &status));
+        EXPECT_LE(ucnv_getMaxCharSize(cnv.get()), 8) << ucnv_getAvailableName(index);
+    }
 }
 
 TEST(LocaleNames, of_two_letters_and_a_territory_of_two_are_all_well_formed) {

@@ -1,9 +1,12 @@
-// Whether a text is free of the combining marks that canonical order may put another way round, so that it
-// needs no normalization before its characters are compared.
+// What the canonical order of combining marks asks of a text before its characters are compared: no
+// normalization where the text is free of them, and breaks in runs of them that no reader writes.
 //
-// Invariant: a text that holds such a mark is never taken for one without.
+// Invariant: a text that holds such a mark is never taken for one without, and what is done to a text depends
+// on that text alone.
 
 #pragma once
+
+#include "zel/conversion/utf16_text.h"
 
 #include <string_view>
 
@@ -15,5 +18,10 @@ bool keeps_order(std::u16string_view text);
 
 // True where no text of the charset can be otherwise.
 bool lacks_marks(const char *charset);
+
+// Puts U+034F, which collation ignores, behind every 30 marks of a run of more than 256, as the stream-safe
+// format of UAX #15 does, since ICU looks through the whole run for each mark. A text without such a run
+// comes back as it is. Null where there is no memory.
+utf16_text break_long_runs(utf16_text text);
 
 } // namespace zel

@@ -52,8 +52,8 @@ std::optional<std::int32_t> collate(const char *locale, const char *charset, con
     if (U_FAILURE(status))
         return std::nullopt;
     const std::int32_t min_char_size = ucnv_getMinCharSize(cnv.get());
-    const utf16_text one = to_utf16(cnv.get(), min_char_size, first);
-    const utf16_text other = to_utf16(cnv.get(), min_char_size, second);
+    const utf16_text one = break_long_runs(to_utf16(cnv.get(), min_char_size, first));
+    const utf16_text other = break_long_runs(to_utf16(cnv.get(), min_char_size, second));
     if (!one.units || !other.units)
         return std::nullopt;
     const bool in_order = lacks_marks(charset) || (is_known_ordered(one) && is_known_ordered(other));
@@ -63,29 +63,37 @@ std::optional<std::int32_t> collate(const char *locale, const char *charset, con
     return ucol_strcoll(order.get(), one.units.get(), one.length, other.units.get(), other.length);
 }
 
+// A value of this length is decoded without memory and without a call for the size of its text. A byte of it
+// becomes one UTF-16 unit at most, and a unit 8 bytes. To each text ICU reckons 10 units more, for what
+// switches sets: an encoded word has them in its frame of 11 bytes at least ("=?big5?Q??="), so that they
+// count for the tail alone.
+constexpr std::size_t short_value = 1024;
+constexpr std::int32_t longest_unit = 8;
+
 struct header_buffer {
-    char fixed[1024 + 1];
+    char fixed[9 * 1024];
     heap_string longer;
 };
 
-// No text is longer than its value on the wire, but for raw Japanese, which may widen.
-std::size_t room_for(const char *language, const char *charset, char *value) {
-    const std::size_t length = std::strlen(value);
-    if (!language || std::strncmp(language, "ja", 2) != 0)
-        return length;
+static_assert(sizeof header_buffer::fixed > UCNV_GET_MAX_BYTES_FOR_STRING(short_value, longest_unit));
+
+std::int32_t size_of_text(const char *language, const char *charset, char *value) {
     const std::int32_t estimate =
         ZEL_InternetMessageHeaderToLocalLen(language, value, -1, charset, nullptr, -1);
-    return std::max(length, static_cast<std::size_t>(estimate));
+    return saturate(static_cast<std::uint64_t>(estimate) + 1);
 }
 
-// The text of a header value; null without memory.
+// The text of a header value, which may be longer than the value on the wire; null without memory.
 const char *decode_header(const char *language, const char *charset, char *value, header_buffer &buffer) {
-    const std::size_t size = room_for(language, charset, value) + 1;
     char *text = buffer.fixed;
-    if (size > sizeof buffer.fixed)
-        text = (buffer.longer = allocate<char>(size)).get();
+    std::int32_t size = sizeof buffer.fixed;
+    if (std::strlen(value) > short_value) {
+        size = size_of_text(language, charset, value);
+        buffer.longer = allocate<char>(static_cast<std::uint64_t>(size));
+        text = buffer.longer.get();
+    }
     if (text)
-        ZEL_InternetMessageHeaderToLocalLen(language, value, -1, charset, text, saturate(size));
+        ZEL_InternetMessageHeaderToLocalLen(language, value, -1, charset, text, size);
     return text;
 }
 
