@@ -80,6 +80,9 @@ TEST(BodyEncoding, the_size_is_the_formula_where_that_is_enough_and_else_the_nee
     EXPECT_EQ(in_two_calls(encoder_of("ja", "euc-jp", repeated("\x8E\xB1z", 5000), 0)), wire);
     EXPECT_EQ(in_two_calls(encoder_of("ja", "iso-8859-1", "\xB1", 0)), "\x1B$B!^\x1B(B");
     EXPECT_EQ(in_two_calls(encoder_of("ja", "UTF-8", repeated("アz", 5000), 0)), wire);
+    EXPECT_EQ(in_two_calls(encoder_of("el", "UTF-16BE", repeated("\x03\xB1", 20) + "\x03", 0)),
+              repeated("\xE1", 20) + "\x1A");
+    EXPECT_EQ(in_two_calls(encoder_of("el", "UTF-16BE", "\x03\xB1\x03", 1)), "=E1=1A");
     EXPECT_EQ(in_two_calls(encoder_of("fr", "iso-8859-15", repeated("\xE9", 10000), 1)),
               repeated(repeated("=E9", 25) + "=\r\n", 400));
 }

@@ -1,6 +1,7 @@
 // Comparison by collation, its fallback on the bytes, and header values.
 
 #include "support.h"
+#include "wire.h"
 
 namespace {
 
@@ -27,24 +28,17 @@ TEST(Collation, sorts_as_a_reader_of_the_language_does) {
         EXPECT_EQ(ZEL_CompareStrings(row.locale, row.charset, row.first, row.second), row.order) << row.first;
 }
 
-std::string times(int count, const std::string &text) {
-    std::string all;
-    for (; count > 0; --count)
-        all += text;
-    return all;
-}
-
 int32_t compare(const std::string &first, const std::string &second) {
     return ZEL_CompareStrings("en", "UTF-8", first.c_str(), second.c_str());
 }
 
 TEST(Collation, sees_what_stands_before_and_behind_marks_however_many) {
-    for (const int pairs : {1, 15, 128, 129, 20000}) {
-        const std::string marks = times(pairs, "\u0301\u0316");
+    for (const std::size_t pairs : {1, 15, 128, 129, 20000}) {
+        const std::string marks = repeated("\u0301\u0316", pairs);
         EXPECT_EQ(compare("a" + marks + "b", "a" + marks + "c"), -1);
         EXPECT_EQ(compare("a" + marks, "A" + marks), -1);
     }
-    EXPECT_EQ(compare(times(128, "\u0301\u0316"), times(128, "\u0316") + times(128, "\u0301")), 0);
+    EXPECT_EQ(compare(repeated("\u0301\u0316", 128), repeated("\u0316", 128) + repeated("\u0301", 128)), 0);
 }
 
 TEST(Collation, puts_null_before_any_string_whatever_the_charset) {
@@ -87,9 +81,7 @@ TEST(HeaderComparison, reaches_the_last_letter_of_a_text_that_is_longer_than_its
                 {"th", "tis-620", "\xA1", "\xA2"}};
     for (const auto &row : rows)
         for (const std::size_t letters : {12, 36, 1000, 1024, 5000}) {
-            std::string text = std::string("=?") + row.charset + "?Q?";
-            for (std::size_t count = 0; count < letters; ++count)
-                text += row.letter;
+            const std::string text = std::string("=?") + row.charset + "?Q?" + repeated(row.letter, letters);
             EXPECT_EQ(compare_headers(row.language, text + "?=", text + row.next_letter + "?="), -1) << text;
             EXPECT_EQ(compare_headers(row.language, text + row.next_letter + "?=", text + row.letter + "?="),
                       1)

@@ -135,14 +135,16 @@ TEST(HeaderDecoding, the_length_bounds_the_words_but_not_the_value) {
 
 TEST(HeaderDecoding, the_size_counts_what_each_piece_may_become) {
     start_library();
-    const auto size = [](const char *language, const std::string &value) {
-        return decoder_of(language, value, "utf-8")(nullptr, -1);
+    const auto size = [](const char *language, const std::string &value, const char *charset = "utf-8") {
+        return decoder_of(language, value, charset)(nullptr, -1);
     };
     const std::string text(100, 'x');
     EXPECT_EQ(size("en", "a\r\n b =?utf-8?Q?c=41defg?= h"), 6 + 6 + 2);
     EXPECT_EQ(size("en", "=?iso-8859-1?Q?" + text + "?="), 301);
     EXPECT_EQ(size("en", "=?iso-8859-2?Q?" + text + "?="), 100);
     EXPECT_EQ(size("ja", "\x1B$B" + repeated("F|", 100)), 300);
+    EXPECT_EQ(size("en", "=?iso-8859-1?Q?" + text + "?=", "UTF-16"), 2 + 2 * 100);
+    EXPECT_EQ(size("en", "=?iso-8859-1?Q?" + text + "?=", "UTF-32"), 4 + 4 * 100);
     EXPECT_EQ(decoded("en", "=?iso-8859-1?Q?=B1?=", "iso-2022-jp"), "\x1B$B!^\x1B(B");
 }
 

@@ -2,7 +2,7 @@
 
 #include "support.h"
 
-#include "zel/conversion/icu_converter.h"
+#include "zel/base/icu_converter.h"
 #include "zel/locale/canonical_order.h"
 #include "zel/locale/icu_locale.h"
 

@@ -78,7 +78,8 @@ public:
     }
     std::string charset() {
         return one_of({"UTF-8", "utf-7", "iso-8859-15", "iso-2022-jp", "euc-jp", "Shift_JIS", "euc-kr",
-                       "iso-2022-kr", "gb2312", "hz-gb-2312", "big5", "us-ascii"});
+                       "iso-2022-kr", "gb2312", "hz-gb-2312", "big5", "us-ascii", "UTF-16", "UTF-32",
+                       "UTF-16BE", "GB_2312-80", "iso-2022-jp-2"});
     }
     std::size_t below(std::size_t end) { return random_() % end; }
 

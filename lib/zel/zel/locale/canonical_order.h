@@ -6,7 +6,7 @@
 
 #pragma once
 
-#include "zel/conversion/utf16_text.h"
+#include "zel/base/utf16_text.h"
 
 #include <string_view>
 

@@ -66,9 +66,17 @@ void put_body(const body &from, output &to) {
 
 constexpr std::uint64_t escape_sequences = 6; // into a double-byte set and back
 
-// What the formula leaves out: soft line breaks, one for 24 triples, and the escape sequences around short
-// runs.
+// A character that the end of the text cuts off is in no size of a text whose characters have two bytes or
+// more, and text in such a charset that ICU cannot take in goes out as it is.
+bool has_wide_characters(const charset_pair &pair) {
+    return pair.cached && pair.cached->min_char_size > 1;
+}
+
+// What else the formula leaves out: soft line breaks, one for 24 triples, and the escape sequences around
+// short runs.
 bool may_need_more(const body &from, std::uint64_t size) {
+    if (has_wide_characters(from.pair))
+        return true;
     if (from.quoted_printable)
         return size > 24;
     return from.direct ? !is7bit(from.text) : size <= 2 * escape_sequences;
@@ -95,8 +103,8 @@ int32_t ZEL_LocalToInternetMessageBody(const char *language, const char *from_ch
     const LanguageID id = checkLanguage(language);
     if (id == no_language)
         return unknown_language;
-    const body from = decide(id, from_charset, from_buf, qp_for_8bit != 0);
-    if (!from.same && !is_known(from.pair))
+    body from = decide(id, from_charset, from_buf, qp_for_8bit != 0);
+    if (!from.same && !come_to_know(from.pair))
         return no_converter;
     if (to_size < 0)
         return estimate(from);

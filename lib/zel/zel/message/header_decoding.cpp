@@ -305,10 +305,9 @@ void put_value(const header_pass &pass, output &to) {
         ;
 }
 
-std::uint64_t documented_size(const header_pass &pass, const piece &taken, known_charsets &known) {
+std::uint64_t documented_size(const header_pass &pass, const piece &taken, const word_conversion &chosen) {
     if (taken.what != piece::kind::word)
         return taken.text.size();
-    const word_conversion &chosen = conversion_of(pass, taken.word, known);
     if (chosen.how == word_way::raw)
         return taken.word.raw.size();
     const std::size_t decoded = decode(pass, taken.word).size();
@@ -324,16 +323,23 @@ bool holds_fold(std::string_view text) {
     return false;
 }
 
+// A target of several sets switches them on and off around a text, and UTF-16 and UTF-32 put a byte order
+// mark in front of it. No size of a character tells of these.
+bool adds_to_texts(const charset_pair &pair) {
+    constexpr std::int32_t longest_of_one_set = 4;
+    return pair.cached->max_char_size > longest_of_one_set ||
+           ucnv_getMinCharSize(pair.cached->to_cnv.get()) > 1;
+}
+
 // A fold within a word may hide another reading of it, the tail of a Japanese value may widen, and so may its
-// words where all else passes through. A word of a single character may need more than its size for switching
-// the target's set on and off.
-bool may_need_more(const header_pass &pass, const piece &taken) {
+// words where all else passes through.
+bool may_need_more(const header_pass &pass, const piece &taken, const word_conversion &chosen) {
     if (taken.what == piece::kind::plain)
         return false;
     if (taken.what == piece::kind::tail)
         return pass.japanese && !taken.text.empty();
-    constexpr std::size_t single = 4; // encoded as a byte of its own, a triple or a padded group
-    return taken.word.raw.size() <= single || holds_fold(taken.text) || passes_through();
+    return (chosen.how == word_way::by_pair && adds_to_texts(chosen.pair)) || holds_fold(taken.text) ||
+           passes_through();
 }
 
 std::uint64_t real_need(header_pass pass, std::int32_t from_len) {
@@ -354,8 +360,10 @@ std::int32_t estimate(const header_pass &pass, std::int32_t from_len) {
     known_charsets known;
     for (bool ended = false; !ended;) {
         const piece taken = take_piece(rest, pass.longest_raw);
-        documented += documented_size(pass, taken, known);
-        needs_more = needs_more || may_need_more(pass, taken);
+        const bool is_word = taken.what == piece::kind::word;
+        const word_conversion chosen = is_word ? conversion_of(pass, taken.word, known) : word_conversion{};
+        documented += documented_size(pass, taken, chosen);
+        needs_more = needs_more || may_need_more(pass, taken, chosen);
         ended = ends_value(taken);
     }
     return saturate(needs_more ? std::max(documented, real_need(pass, from_len)) : documented);

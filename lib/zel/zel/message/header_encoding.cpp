@@ -226,7 +226,9 @@ std::uint64_t bound_b_words(const header_value &value, std::uint64_t converted) 
     return bytes + bytes / 20 + words * frame + (converted + escaped) / 3 * 4 + 1;
 }
 
+// Text that ICU cannot convert goes out as it is, whatever size its conversion would have.
 std::uint64_t bound(const header_value &value, std::uint64_t converted) {
+    converted = std::max<std::uint64_t>(converted, value.text.size());
     return value.how == encoding::q_words ? bound_q_words(value, converted) : bound_b_words(value, converted);
 }
 

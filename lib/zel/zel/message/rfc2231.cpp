@@ -166,7 +166,7 @@ std::int32_t estimate_parameter(const parameter &names, const char *from_charset
                                        ? ZEL_GetResultBufferSize(text, -1, from_charset, names.charset.data())
                                        : saturate(std::strlen(text) + 1);
     const std::uint64_t line = prefix_length(names, {0, false}) + static_cast<std::uint64_t>(converted) * 3;
-    if (line <= std::min<std::uint64_t>(segment_limit, formula))
+    if (line < std::min<std::uint64_t>(segment_limit, formula))
         return saturate(formula);
     return size_or_need(formula, [&](output &counted) { put_parameter(counted, names, from_charset, text); });
 }
