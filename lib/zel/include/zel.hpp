@@ -29,6 +29,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <ctime>
+#include <iterator>
 #include <limits>
 #include <memory>
 #include <optional>
@@ -481,5 +482,7 @@ body write_body(std::string_view language, std::string_view text);
 
 } // namespace face
 } // namespace zel
+
+#include "zel_read.hpp"
 
 #endif
