@@ -12,8 +12,8 @@ install(TARGETS zel EXPORT zelTargets
 install(TARGETS qorm EXPORT zelTargets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT support
         INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-install(FILES lib/zel/include/zel.h lib/zel/include/zel.hpp lib/qorm/qorm.h
-        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
+install(DIRECTORY lib/zel/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
+install(FILES lib/qorm/qorm.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 if(ZEL_TOOLS)
     install(TARGETS compile_bundle RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT development)
     install(DIRECTORY ${ZEL_BUILT_BUNDLES}/encbylang DESTINATION ${ZEL_BUNDLES_DIR} COMPONENT bundle)

@@ -16,8 +16,25 @@ using operation = std::string (*)(std::string_view argument, std::string_view te
 const std::map<std::string, operation> operations = {
     {"read-header", [](std::string_view, std::string_view text) { return zel::read_header(text); }},
     {"read-parameter",
-     [](std::string_view name, std::string_view text) { return zel::read_parameter(text, name).value_or("(none)"); }},
-    {"read-body", [](std::string_view charset, std::string_view text) { return zel::read_body(charset, text); }},
+     [](std::string_view name, std::string_view text) {
+         return zel::read_parameter(text, name).value_or("(none)");
+     }},
+    {"write-header",
+     [](std::string_view language, std::string_view text) { return zel::write_header(language, text); }},
+    {"write-phrase",
+     [](std::string_view language, std::string_view text) { return zel::write_phrase(language, text); }},
+    {"write-parameter",
+     [](std::string_view language, std::string_view text) {
+         return zel::write_parameter(language, "filename", text);
+     }},
+    {"write-body",
+     [](std::string_view language, std::string_view text) {
+         const zel::body body = zel::write_body(language, text);
+         return "Content-Type: text/plain; charset=" + body.charset +
+                "\r\nContent-Transfer-Encoding: " + body.transfer_encoding + "\r\n\r\n" + body.bytes;
+     }},
+    {"read-body",
+     [](std::string_view charset, std::string_view text) { return zel::read_body(charset, text); }},
 };
 
 std::string from_hex(const std::string &digits) {

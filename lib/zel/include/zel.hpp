@@ -484,5 +484,6 @@ body write_body(std::string_view language, std::string_view text);
 } // namespace zel
 
 #include "zel_read.hpp"
+#include "zel_write.hpp"
 
 #endif
