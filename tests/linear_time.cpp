@@ -2,7 +2,7 @@
 // the other, and leaves the count of instructions of each call to callgrind. linear_time.sh runs it and
 // compares.
 
-#include "zel.h"
+#include "zel.hpp"
 
 #include <valgrind/callgrind.h>
 
@@ -206,6 +206,24 @@ void dates(char *text, std::int32_t) {
     ZEL_Free(ZEL_GenerateDateString("de", text, 1719450900, "UTF-8"));
 }
 
+void readers(char *text, std::int32_t length) {
+    zel::read_header(text);
+    zel::read_body("iso-2022-jp", text);
+    std::string parts = text;
+    for (std::int32_t left = length; left > 0; left -= 8)
+        parts += ";a*" + std::to_string(left * 7919 % length) + "*=%41";
+    zel::read_parameter(parts, "a");
+}
+
+void writers(char *text, std::int32_t) {
+    try {
+        zel::write_header("de", text);
+        zel::write_parameter("ja", "filename", text);
+        zel::write_body("de", text);
+    } catch (const zel::error &) { // of a text that is not UTF-8
+    }
+}
+
 const function functions[] = {
     {"buffers, UTF-8 to Shift_JIS", converting("UTF-8", "Shift_JIS")},
     {"buffers, Shift_JIS to UTF-8", converting("Shift_JIS", "UTF-8")},
@@ -248,6 +266,8 @@ const function functions[] = {
     {"comparison, de", comparing("de")},
     {"comparison, lt", comparing("lt")},
     {"dates", dates},
+    {"readers", readers},
+    {"writers", writers},
 };
 
 // Of twice the size are twice as many, so both texts end alike.

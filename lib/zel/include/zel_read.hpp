@@ -19,16 +19,46 @@ inline namespace face {
 /** @cond */
 namespace detail {
 
+constexpr bool is_continuation(char byte) {
+    return (byte & 0xC0) == 0x80;
+}
+
+/* The bytes of the character that a text begins with, 0 where it is none: cut off, too long for its value, a
+   surrogate, or beyond U+10FFFF. */
+inline std::size_t character_size(std::string_view text) {
+    const auto lead = static_cast<unsigned char>(text[0]);
+    if (lead < 0x80)
+        return 1;
+    const std::size_t size = lead < 0xC2 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF5 ? 4 : 0;
+    if (size == 0 || text.size() < size)
+        return 0;
+    const auto second = static_cast<unsigned char>(text[1]);
+    const int lowest = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
+    const int highest = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
+    const bool are_continued =
+        (size < 3 || is_continuation(text[2])) && (size < 4 || is_continuation(text[3]));
+    return second >= lowest && second <= highest && are_continued ? size : 0;
+}
+
+inline bool is_utf8(std::string_view text) {
+    while (!text.empty()) {
+        const std::size_t size = character_size(text);
+        if (size == 0)
+            return false;
+        text.remove_prefix(size);
+    }
+    return true;
+}
+
 /* UTF-8 with U+FFFD for what is none. The two names are one charset: under one name the library would copy
    the bytes unseen. */
 inline std::string sound_utf8(std::string_view bytes) {
-    return is_ascii(bytes) ? std::string(bytes) : converted(bytes, "utf8", "utf-8");
+    return is_utf8(bytes) ? std::string(bytes) : converted(bytes, "utf8", "utf-8");
 }
 
 /* Bytes that no label goes with: UTF-8 where all of them are, else the fallback charset. */
 inline std::string read_unlabelled(std::string_view bytes, std::string_view fallback) {
-    std::string text = sound_utf8(bytes);
-    return text == bytes ? text : convert(bytes, fallback, "utf-8");
+    return is_utf8(bytes) ? std::string(bytes) : convert(bytes, fallback, "utf-8");
 }
 
 constexpr bool begins(std::string_view text, std::string_view beginning) {
@@ -36,7 +66,7 @@ constexpr bool begins(std::string_view text, std::string_view beginning) {
 }
 
 /* The length of an escape sequence of ISO-2022-JP that another follows, or of a change to ASCII and back in
- * HZ. */
+   HZ. */
 inline std::size_t idle_escape(std::string_view rest) {
     if (begins(rest, "~}~{"))
         return 4;
@@ -45,14 +75,14 @@ inline std::size_t idle_escape(std::string_view rest) {
 }
 
 /* ICU takes a run without characters for broken text, but such stand where words are joined. */
-inline std::string without_idle_escapes(std::string_view bytes) {
+inline std::string without_idle_escapes(std::string_view bytes, char mark) {
     std::string text;
     text.reserve(bytes.size());
-    for (std::size_t at = 0; at < bytes.size();) {
-        const std::size_t idle = idle_escape(bytes.substr(at));
-        if (!idle)
-            text += bytes[at];
-        at += idle ? idle : 1;
+    while (!bytes.empty()) {
+        const std::size_t escape = std::min(bytes.find(mark), bytes.size() - 1);
+        const std::size_t idle = idle_escape(bytes.substr(escape));
+        text += bytes.substr(0, escape + (idle ? 0 : 1));
+        bytes.remove_prefix(escape + (idle ? idle : 1));
     }
     return text;
 }
@@ -71,9 +101,11 @@ inline std::string read_bytes(std::string_view bytes, std::string_view charset, 
         return read_unlabelled(bytes, fallback);
     if (charset == "utf-8")
         return sound_utf8(bytes);
-    const bool has_escapes = begins(charset, "iso-2022-jp") || charset == "hz-gb-2312";
-    std::string text = converted(has_escapes ? without_idle_escapes(bytes) : bytes, charset.data(), "utf-8");
-    if (begins(charset, "iso-2022-jp") || charset == "euc-jp" || charset == "shift_jis")
+    const bool is_japanese = begins(charset, "iso-2022-jp"), is_hz = charset == "hz-gb-2312";
+    std::string text = is_japanese || is_hz ? converted(without_idle_escapes(bytes, is_hz ? '~' : '\x1b'),
+                                                        charset.data(), "utf-8")
+                                            : converted(bytes, charset.data(), "utf-8");
+    if (is_japanese || charset == "euc-jp" || charset == "shift_jis")
         standardize_punctuation(text);
     return text;
 }
@@ -163,7 +195,7 @@ inline std::string_view charset_of_word(std::string_view name, std::string_view 
     name = name.substr(0, name.find('*')); // a language may follow (RFC 2231, section 5)
     if (const std::optional<std::string_view> known = known_charset(name))
         return *known;
-    return sound_utf8(bytes) == bytes ? "utf-8" : "";
+    return is_utf8(bytes) ? "utf-8" : "";
 }
 
 /* Reads the word that may stand at a "=?". `closing` is the first "?=" behind the frame that was looked at
@@ -266,14 +298,13 @@ inline std::optional<parameter_part> part_of(std::string_view suffix) {
     return suffix.empty() || suffix == "*" ? std::optional(part) : std::nullopt;
 }
 
-/* The parts from 0 on, up to the first that is missing. */
-inline std::vector<const parameter_part *> in_order(const std::vector<parameter_part> &parts) {
-    std::vector<const parameter_part *> order(parts.size());
-    for (const parameter_part &part : parts)
-        if (part.number < order.size() && !order[part.number])
-            order[part.number] = &part;
-    order.erase(std::find(order.begin(), order.end(), nullptr), order.end());
-    return order;
+/* Parts may come in any order; of two with one number the first holds. */
+inline void sort_parts(std::vector<parameter_part> &parts) {
+    std::stable_sort(parts.begin(), parts.end(),
+                     [](const auto &part, const auto &other) { return part.number < other.number; });
+    parts.erase(std::unique(parts.begin(), parts.end(),
+                            [](const auto &part, const auto &other) { return part.number == other.number; }),
+                parts.end());
 }
 
 /* Takes charset and language from the front of an encoded value, which has both or neither. */
@@ -287,14 +318,14 @@ inline std::string_view take_charset(std::string_view &value) {
     return known_charset(name).value_or("us-ascii");
 }
 
-inline std::string read_parts(const std::vector<const parameter_part *> &parts, std::string_view fallback) {
+inline std::string read_parts(const std::vector<parameter_part> &parts, std::string_view fallback) {
     std::string bytes;
     std::string_view charset;
-    for (const parameter_part *part : parts) {
-        std::string_view value = part->value;
-        if (part->is_encoded && part == parts.front())
+    for (const parameter_part &part : parts) {
+        std::string_view value = part.value;
+        if (part.is_encoded && &part == &parts.front())
             charset = take_charset(value);
-        if (part->is_encoded)
+        if (part.is_encoded)
             append_unescaped(bytes, value, '%');
         else
             bytes += value;
@@ -365,9 +396,9 @@ inline std::optional<std::string> read_parameter(std::string_view value, std::st
             parts.push_back(*std::move(part));
         }
     }
-    const auto order = detail::in_order(parts);
-    if (!order.empty())
-        return detail::read_parts(order, fallback);
+    detail::sort_parts(parts);
+    if (!parts.empty())
+        return detail::read_parts(parts, fallback);
     return plain ? std::optional(read_header(*plain, fallback)) : std::nullopt;
 }
 

@@ -18,37 +18,45 @@ namespace detail {
 
 struct charset_dispute {
     std::string_view charset;
-    std::string_view characters;
+    std::u16string_view characters; /* in the order of their codes */
 };
 
 /* Characters of which the decoders of the world make different ones. A charset that is neither here nor of
    single bytes is not written. */
 inline constexpr charset_dispute disputes[] = {
-    {"big5", "¯‧€∕⊕⊙═║╒╓╔╕╖╗╘╙╚╛╜╝╞╟╠╡╢╣╤╥╦╧╨╩╪╫╬▓墻嫺恒碁粧裏銹﹑﹨～￠￡￥"},
-    {"euc-kr", "\u3164"}, // the filler, which cannot be seen
-    {"gb2312", ""},
-    {"iso-2022-jp", "№℡ⅠⅡⅢⅣⅤⅥⅦⅧⅨⅩ∑∟∮⊿①②③④⑤⑥⑦⑧⑨⑩⑪⑫⑬⑭⑮⑯⑰⑱⑲⑳〝〟㈱㈲㈹㊤㊥㊦㊧㊨㌃㌍㌔㌘㌢㌣㌦㌧㌫㌶㌻㍉㍊㍍㍑㍗"
-                    "㍻㍼㍽㍾㎎㎏㎜㎝㎞㎡㏄㏍￠￡￢"},
-    {"tis-620", "–—‘’“”•…€"},
-    {"windows-1253", "ª"},
+    {"big5", u"¯‧€∕⊕⊙═║╒╓╔╕╖╗╘╙╚╛╜╝╞╟╠╡╢╣╤╥╦╧╨╩╪╫╬▓墻嫺恒碁粧裏銹﹑﹨～￠￡￥"},
+    {"euc-kr", u"\u3164"}, // the filler, which cannot be seen
+    {"gb2312", u""},
+    {"iso-2022-jp", u"№℡ⅠⅡⅢⅣⅤⅥⅦⅧⅨⅩ∑∟∮⊿①②③④⑤⑥⑦⑧⑨⑩⑪⑫⑬⑭⑮⑯⑰⑱⑲⑳〝〟㈱㈲㈹㊤㊥㊦㊧㊨㌃㌍㌔㌘㌢㌣㌦㌧㌫㌶㌻㍉㍊㍍㍑"
+                    u"㍗㍻㍼㍽㍾㎎㎏㎜㎝㎞㎡㏄㏍￠￡￢"},
+    {"tis-620", u"–—‘’“”•…€"},
+    {"windows-1253", u"ª"},
 };
 
-constexpr bool is_continuation(char byte) {
-    return (byte & 0xC0) == 0x80;
+constexpr bool are_in_order() {
+    for (const charset_dispute &dispute : disputes)
+        for (std::size_t at = 1; at < dispute.characters.size(); ++at)
+            if (dispute.characters[at - 1] >= dispute.characters[at])
+                return false;
+    return true;
 }
+static_assert(are_in_order());
 
-inline std::size_t character_end(std::string_view text, std::size_t at) {
-    do
-        ++at;
-    while (at < text.size() && is_continuation(text[at]));
-    return at;
+/* Of UTF-8 up to three bytes. */
+inline char16_t code_of(std::string_view character) {
+    unsigned code = static_cast<unsigned char>(character[0]) & (character.size() == 2 ? 0x1F : 0x0F);
+    for (const char byte : character.substr(1))
+        code = code << 6 | (static_cast<unsigned char>(byte) & 0x3F);
+    return static_cast<char16_t>(code);
 }
 
 /* C1 controls, characters of private use and U+FFFD are nobody's, or everybody's own. */
-inline bool is_disputed(std::string_view character, std::string_view disputed) {
-    return (character >= "\u0080" && character < "\u00A0") ||
-           (character >= "\uE000" && character < "\uF900") || character == "\uFFFD" ||
-           disputed.find(character) != std::string_view::npos;
+inline bool is_disputed(std::string_view character, std::u16string_view disputed) {
+    if (character.size() == 1 || character.size() > 3)
+        return false;
+    const char16_t code = code_of(character);
+    return code < 0xA0 || (code >= 0xE000 && code < 0xF900) || code == 0xFFFD ||
+           std::binary_search(disputed.begin(), disputed.end(), code);
 }
 
 inline bool is_agreed_on(std::string_view text, std::string_view charset) {
@@ -59,12 +67,10 @@ inline bool is_agreed_on(std::string_view text, std::string_view charset) {
         begins(charset, "iso-8859-") || begins(charset, "koi8-") || begins(charset, "windows-125");
     if (row == std::end(disputes) && !is_single)
         return false;
-    for (std::size_t at = 0, end = 0; at < text.size(); at = end) {
-        end = character_end(text, at);
-        if (end - at > 1 &&
-            is_disputed(text.substr(at, end - at), row == std::end(disputes) ? "" : row->characters))
+    const std::u16string_view disputed = row == std::end(disputes) ? u"" : row->characters;
+    for (; !text.empty(); text.remove_prefix(character_size(text)))
+        if (is_disputed(text.substr(0, character_size(text)), disputed))
             return false;
-    }
     return true;
 }
 
@@ -75,7 +81,7 @@ inline std::string in_charset(std::string_view text, const std::string &charset)
 
 /* The charset that a text goes out in: that of its language if it comes back from there. */
 inline std::string charset_of(std::string_view language, std::string_view text) {
-    if (sound_utf8(text) != text)
+    if (!is_utf8(text))
         throw error("a text that is not UTF-8");
     if (is_ascii(text))
         return "us-ascii";
@@ -151,7 +157,7 @@ inline piece encoded_piece(std::string_view text, const std::string &charset, ch
 inline piece fitting(std::string_view text, std::size_t room, const std::string &charset, char encoding) {
     std::vector<std::size_t> ends;
     for (std::size_t at = 0; at < text.size() && ends.size() < room;)
-        ends.push_back(at = character_end(text, at));
+        ends.push_back(at += character_size(text.substr(at)));
     const auto encoded_to = [&](std::size_t end) {
         return encoded_piece(text.substr(0, end), charset, encoding);
     };
@@ -384,7 +390,7 @@ inline std::string write_parameter(std::string_view language, std::string_view n
         detail::piece piece =
             detail::fitting(rest, longest_part - std::min(part.size(), longest_part), charset, '%');
         if (piece.size == 0) /* behind a name that is too long for a line */
-            piece = detail::encoded_piece(rest.substr(0, detail::character_end(rest, 0)), charset, '%');
+            piece = detail::encoded_piece(rest.substr(0, detail::character_size(rest)), charset, '%');
         line += (number ? ";\r\n " : "") + part + piece.encoded;
         rest.remove_prefix(piece.size);
     }
