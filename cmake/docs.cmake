@@ -1,6 +1,6 @@
-# The reference, which is the public header's comments: the target docs makes manual pages, one for each family of
-# functions with a link for each name that is exported, and HTML that opens with the guide for hosts. Both belong to
-# the component docs, and are installed if they were built.
+# The reference, which is the public headers' comments: the target docs makes manual pages, one for each family of
+# functions, of C and of C++, with a link for each name that is exported, and HTML that opens with the guide for
+# hosts. Both belong to the component docs, and are installed if they were built.
 
 set(DOXYGEN_HAVE_DOT NO) # no graphs; said before Doxygen is looked for
 find_package(Doxygen QUIET)
@@ -36,18 +36,27 @@ set(DOXYGEN_HTML_FOOTER ${docs_dir}/footer.html)
 set(DOXYGEN_HTML_DYNAMIC_MENUS NO)
 set(DOXYGEN_SEARCHENGINE NO)
 set(DOXYGEN_VERBATIM_HEADERS NO)
-doxygen_add_docs(docs lib/zel/include/zel.h docs/hosting.md COMMENT "Writing the manual pages and the HTML reference")
+file(GLOB headers CONFIGURE_DEPENDS lib/zel/include/*.h*)
+doxygen_add_docs(docs ${headers} docs/hosting.md COMMENT "Writing the manual pages and the HTML reference")
 
-file(STRINGS lib/zel/include/zel.h families REGEX "@defgroup")
+set(families)
+foreach(header ${headers})
+    file(STRINGS ${header} groups REGEX "@defgroup")
+    list(APPEND families ${groups})
+endforeach()
 list(TRANSFORM families REPLACE ".*@defgroup ([a-z_]*).*" "\\1")
 file(STRINGS lib/zel/libzel.map links REGEX "^ *[A-Za-z_][A-Za-z0-9_]*;$")
 list(TRANSFORM links REPLACE " *(.*);" "\\1")
-set(pages ${families} zel.h ZELConfig)
+set(pages ${families} zel.h zel.hpp ZELConfig)
 foreach(list pages links)
     list(TRANSFORM ${list} PREPEND ${docs_dir}/man/man3/)
     list(TRANSFORM ${list} APPEND .3)
 endforeach()
-add_custom_command(TARGET docs POST_BUILD VERBATIM COMMAND sed -i -f ${PROJECT_SOURCE_DIR}/cmake/man.sed ${pages})
+set(face_pages ${pages})
+list(FILTER face_pages INCLUDE REGEX "zel_face|hpp")
+add_custom_command(TARGET docs POST_BUILD VERBATIM
+                   COMMAND sed -i -f ${PROJECT_SOURCE_DIR}/cmake/man.sed ${pages}
+                   COMMAND sed -i "s/^#include <zel.h>/#include <zel.hpp>/" ${face_pages})
 
 install(FILES ${pages} ${links} DESTINATION ${CMAKE_INSTALL_MANDIR}/man3 COMPONENT docs OPTIONAL)
 install(DIRECTORY ${docs_dir}/html DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT docs OPTIONAL

@@ -9,15 +9,16 @@
  *         std::puts(zel::read_header("=?iso-8859-1?Q?Caf=E9?=").c_str()); // Café
  *     }
  *
- * It takes C++17, the standard library and zel.h, and is all in this header. Sizes, terminators, writable
- * copies and the CR LF that may end a value of Q words are dealt with inside. Threads, languages, charsets
- * and the status word are as zel.h has them. Where a charset may be left out it is UTF-8.
+ * It takes C++17, the standard library and zel.h, and has no code but its headers. Sizes, terminators,
+ * writable copies and the CR LF that may end a value of Q words are dealt with inside. Threads, languages,
+ * charsets and the status word are as zel.h has them. Where a charset may be left out it is UTF-8.
  *
  * **Errors.** What cannot be done throws zel::error, whose text says why: a text with a NUL inside where the
  * library takes none, a text of 2 GiB and more, charsets without a converter, whatever zel.h gives a null or
- * a negative result for. That holds for every function and there is no other way to fail, but that memory
- * which runs out throws std::bad_alloc. Functions named read_ take whatever the Internet sends: they throw
- * for its length at most. A question that has no answer gives an empty std::optional, which is no error.
+ * a negative result for. That holds for every function, and memory that runs out throws std::bad_alloc. The
+ * functions named read_ take whatever the Internet sends: they throw for its length, and for a fallback that
+ * has no converter, but never for what it holds. A question that has no answer gives an empty std::optional,
+ * which is no error.
  */
 
 #ifndef ZEL_HPP
@@ -125,8 +126,7 @@ inline std::string converted(std::string_view text, const char *from_charset, co
  * @{
  */
 
-/** Starts the library, and stops it for good at the end of the scope, which is the last thing that uses it.
- */
+/** Starts the library, and stops it for good at the end of its scope, which outlives all that uses it. */
 class library {
 public:
     /**
@@ -441,44 +441,9 @@ inline std::string repaired(std::string_view charset, std::string_view text) {
 /**
  * @defgroup zel_face_mail C++: mail at large
  * Readers for whatever the Internet sends, and writers that every reader understands. Text is UTF-8. A
- * fallback is the charset of raw bytes that are not UTF-8 and have no label, one that can be converted.
- * @{
+ * fallback is the charset of raw bytes that are not UTF-8 and have no label; it is converted from without a
+ * look at the list of known_charset().
  */
-
-/** A body as it goes out, and what its header fields say of it. */
-struct body {
-    std::string charset;           /**< for the parameter of Content-Type */
-    std::string transfer_encoding; /**< for Content-Transfer-Encoding */
-    std::string bytes;             /**< in lines that end in CR LF */
-};
-
-/** The name by which the library knows a charset of mail that the wire names, in any case. */
-std::optional<std::string_view> known_charset(std::string_view name);
-
-/** The text of a header value. */
-std::string read_header(std::string_view value, std::string_view fallback = "windows-1252");
-
-/** A parameter of a header value. */
-std::optional<std::string> read_parameter(std::string_view value, std::string_view name,
-                                          std::string_view fallback = "windows-1252");
-
-/** The text of a body whose transfer encoding is undone, in the charset that its label says. */
-std::string read_body(std::string_view charset, std::string_view bytes,
-                      std::string_view fallback = "windows-1252");
-
-/** A header value for text of a language; `column` characters stand before it on its line. */
-std::string write_header(std::string_view language, std::string_view text, std::size_t column = 9);
-
-/** write_header() for a phrase, such as the name before an address. */
-std::string write_phrase(std::string_view language, std::string_view text, std::size_t column = 9);
-
-/** A parameter with its name, to be put behind a ";" and a fold. */
-std::string write_parameter(std::string_view language, std::string_view name, std::string_view text);
-
-/** A body for text of a language. */
-body write_body(std::string_view language, std::string_view text);
-
-/** @} */
 
 } // namespace face
 } // namespace zel

@@ -235,6 +235,58 @@ inline std::string taken_text(word_run &run, std::string_view fallback) {
     return whole.charset.empty() ? std::string() : read_bytes(whole.bytes, whole.charset, fallback);
 }
 
+} // namespace detail
+/** @endcond */
+
+/**
+ * @addtogroup zel_face_mail
+ * @{
+ */
+
+/**
+ * Reads a header value: folds are undone, encoded words (RFC 2047) of all known charsets are decoded, with or
+ * without a language (RFC 2231, section 5). Neighbouring words lose the blanks between them; those of one
+ * charset and encoding are joined before their characters are read. A word that cannot be read stays as it
+ * stands, and a byte sequence that its charset does not allow becomes U+FFFD.
+ */
+inline std::string read_header(std::string_view value, std::string_view fallback = "windows-1252") {
+    const std::string unfolded = detail::unfolded(value);
+    const std::string_view line = unfolded;
+    detail::word_run run;
+    std::string text;
+    std::size_t plain = 0, closing = 0;
+    for (std::size_t at = line.find("=?"); at != std::string_view::npos; at = line.find("=?", at)) {
+        const detail::encoded_word word = detail::word_at(line, at, closing);
+        if (word.charset.empty()) {
+            at = std::max(at + 2, word.end);
+            continue;
+        }
+        const std::string_view between = line.substr(plain, at - plain);
+        const bool are_neighbours = !run.charset.empty() && detail::is_all_blank(between);
+        if (!are_neighbours || run.charset != word.charset || run.encoding != word.encoding)
+            text += detail::taken_text(run, fallback);
+        if (!are_neighbours)
+            text += detail::read_unlabelled(between, fallback);
+        run.charset = word.charset;
+        run.encoding = word.encoding;
+        run.bytes += word.bytes;
+        plain = at = word.end;
+    }
+    text += detail::taken_text(run, fallback);
+    return text += detail::read_unlabelled(line.substr(plain), fallback);
+}
+
+/** Reads a body whose transfer encoding is undone, in the charset of its label if that is known. */
+inline std::string read_body(std::string_view charset, std::string_view bytes,
+                             std::string_view fallback = "windows-1252") {
+    return detail::read_bytes(bytes, known_charset(charset).value_or("us-ascii"), fallback);
+}
+
+/** @} */
+
+/** @cond */
+namespace detail {
+
 /* A parameter as it stands in a header value, its quotes taken off. */
 struct parameter {
     std::string_view name;
@@ -273,8 +325,8 @@ inline parameter take_parameter(std::string_view &rest) {
     return found;
 }
 
-/* Of a parameter that RFC 2231 cut into parts "name*0*", "name*1" and so on. The part "name*" is the only
- * one. */
+/* Of a parameter that RFC 2231 cut into "name*0*", "name*1" and so on; "name*" is the only part of its own.
+ */
 struct parameter_part {
     std::size_t number = 0;
     bool is_encoded = false;
@@ -342,45 +394,12 @@ inline std::string read_parts(const std::vector<parameter_part> &parts, std::str
  */
 
 /**
- * Reads a header value: folds are undone, encoded words (RFC 2047) of all known charsets are decoded, with or
- * without a language (RFC 2231, section 5). Neighbouring words lose the blanks between them; those of one
- * charset and encoding are joined before their characters are read. A word that cannot be read stays as it
- * stands, and a byte sequence that its charset does not allow becomes U+FFFD.
- */
-inline std::string read_header(std::string_view value, std::string_view fallback) {
-    const std::string unfolded = detail::unfolded(value);
-    const std::string_view line = unfolded;
-    detail::word_run run;
-    std::string text;
-    std::size_t plain = 0, closing = 0;
-    for (std::size_t at = line.find("=?"); at != std::string_view::npos; at = line.find("=?", at)) {
-        const detail::encoded_word word = detail::word_at(line, at, closing);
-        if (word.charset.empty()) {
-            at = std::max(at + 2, word.end);
-            continue;
-        }
-        const std::string_view between = line.substr(plain, at - plain);
-        const bool are_neighbours = !run.charset.empty() && detail::is_all_blank(between);
-        if (!are_neighbours || run.charset != word.charset || run.encoding != word.encoding)
-            text += detail::taken_text(run, fallback);
-        if (!are_neighbours)
-            text += detail::read_unlabelled(between, fallback);
-        run.charset = word.charset;
-        run.encoding = word.encoding;
-        run.bytes += word.bytes;
-        plain = at = word.end;
-    }
-    text += detail::taken_text(run, fallback);
-    return text += detail::read_unlabelled(line.substr(plain), fallback);
-}
-
-/**
  * Reads a parameter of a header value such as that of Content-Disposition, in any form that mailers write:
  * whole or in numbered parts, percent-encoded with a charset (RFC 2231), in encoded words, or raw. The form
  * of RFC 2231 goes before the plain one.
  */
 inline std::optional<std::string> read_parameter(std::string_view value, std::string_view name,
-                                                 std::string_view fallback) {
+                                                 std::string_view fallback = "windows-1252") {
     const std::string unfolded = detail::unfolded(value);
     std::optional<std::string> plain;
     std::vector<detail::parameter_part> parts;
@@ -400,11 +419,6 @@ inline std::optional<std::string> read_parameter(std::string_view value, std::st
     if (!parts.empty())
         return detail::read_parts(parts, fallback);
     return plain ? std::optional(read_header(*plain, fallback)) : std::nullopt;
-}
-
-/** Reads a body whose transfer encoding is undone, in the charset of its label if that is known. */
-inline std::string read_body(std::string_view charset, std::string_view bytes, std::string_view fallback) {
-    return detail::read_bytes(bytes, known_charset(charset).value_or("us-ascii"), fallback);
 }
 
 /** @} */

@@ -99,11 +99,12 @@ constexpr bool is_among(char byte, std::string_view marks) {
            marks.find(byte) != std::string_view::npos;
 }
 
-constexpr std::string_view word_marks = "!*+-/";               /* of a Q word that may stand in a phrase */
-constexpr std::string_view attribute_marks = "!#$&+-.^_`|~";   /* of RFC 2231 */
-constexpr std::string_view atom_marks = "!#$%&'*+-/=?^_`{|}~"; /* of RFC 5322 */
-constexpr std::string_view visible_marks = "!\"#$%&'()*+,-./:;<=>?@[\\]^_`{|}~";
-constexpr std::string_view quoted_marks = " !#$%&'()*+,-./:;<=>?@[]^_`{|}~"; /* that no backslash escapes */
+inline constexpr std::string_view word_marks = "!*+-/"; /* of a Q word that may stand in a phrase */
+inline constexpr std::string_view attribute_marks = "!#$&+-.^_`|~";   /* of RFC 2231 */
+inline constexpr std::string_view atom_marks = "!#$%&'*+-/=?^_`{|}~"; /* of RFC 5322 */
+inline constexpr std::string_view visible_marks = "!\"#$%&'()*+,-./:;<=>?@[\\]^_`{|}~";
+inline constexpr std::string_view quoted_marks =
+    " !#$%&'()*+,-./:;<=>?@[]^_`{|}~"; /* that no backslash escapes */
 
 /* Whether a text can stand as it is: nothing in it begins an encoded word. */
 inline bool is_plain(std::string_view text, std::string_view marks) {
@@ -173,8 +174,7 @@ inline piece fitting(std::string_view text, std::size_t room, const std::string 
 
 /* The word that takes more of the text or, if both take the same, the shorter one. */
 inline piece fitting_word(std::string_view text, std::size_t room, const std::string &charset) {
-    const std::size_t frame =
-        charset.size() + 7; /* the charset between "=?" and "?B?", and "?=" behind the text */
+    const std::size_t frame = charset.size() + 7; /* as of "=?", "?B?" and "?=" */
     if (room <= frame)
         return {};
     piece in_b = fitting(text, room - frame, charset, 'B'), in_q = fitting(text, room - frame, charset, 'Q');
@@ -183,7 +183,7 @@ inline piece fitting_word(std::string_view text, std::size_t room, const std::st
     return is_q ? in_q : in_b;
 }
 
-constexpr std::size_t longest_line = 76, longest_word = 75;
+inline constexpr std::size_t longest_line = 76, longest_word = 75;
 
 /* A header value as it grows: words between blanks, some of which begin a line. */
 struct folded_value {
@@ -240,15 +240,14 @@ inline std::size_t end_of_word(std::string_view text, std::size_t at) {
     return text.size();
 }
 
-/* Words that stand as they are, and runs of all others, with the blanks between them, as encoded words. */
 /* Behind a long name on its line a value begins on the next, or an encoded word might not fit. */
 inline folded_value value_behind(std::size_t column) {
     constexpr std::size_t longest_name = 30;
     return column > longest_name ? folded_value{"\r\n ", 1} : folded_value{"", column};
 }
 
-/* Encoded words do not say "us-ascii": readers that join texts of one charset would join them with plain
- * words. */
+/* Encoded words do not say "us-ascii": readers that join texts of one charset would join plain words to them.
+ */
 inline std::string charset_of_words(std::string_view language, std::string_view text) {
     return is_ascii(text) ? "utf-8" : charset_of(language, text);
 }
@@ -284,14 +283,13 @@ inline std::string with_crlf(std::string_view text) {
     return lines;
 }
 
-/* Whether every way takes the bytes as they are: 7-bit lines of at most 998, none of which a mailbox marks.
- */
+/* Whether bytes can go as they are: 7-bit lines of at most 998, none of which a mailbox would mark. */
 inline bool is_safe(std::string_view bytes) {
     std::size_t start = 0;
     for (std::size_t at = 0; at < bytes.size(); ++at) {
         const bool is_end = begins(bytes.substr(at, 2), "\r\n");
-        if ((bytes[at] & 0x80) || bytes[at] == '\0' || (bytes[at] == '\r' && !is_end) || at - start > 998 ||
-            (at == start && begins(bytes.substr(at, 5), "From ")))
+        if ((bytes[at] & 0x80) || bytes[at] == '\0' || (bytes[at] == '\r' && !is_end) ||
+            (at - start == 998 && !is_end) || (at == start && begins(bytes.substr(at, 5), "From ")))
             return false;
         if (is_end)
             start = ++at + 1;
@@ -346,7 +344,7 @@ inline std::string quoted_printable(std::string_view bytes) {
  * @param column characters before the value on its line, as of "Subject: "; above 30 the value begins with a
  * fold
  */
-inline std::string write_header(std::string_view language, std::string_view text, std::size_t column) {
+inline std::string write_header(std::string_view language, std::string_view text, std::size_t column = 9) {
     const std::string line = detail::on_one_line(detail::terminated(text));
     return detail::words_of(language, line, column, detail::visible_marks);
 }
@@ -356,7 +354,7 @@ inline std::string write_header(std::string_view language, std::string_view text
  * and its line has room for it, else all of it in encoded words, as of write_header(). Readers agree on no
  * mixture of both.
  */
-inline std::string write_phrase(std::string_view language, std::string_view text, std::size_t column) {
+inline std::string write_phrase(std::string_view language, std::string_view text, std::size_t column = 9) {
     const std::string line = detail::on_one_line(detail::terminated(text));
     if (detail::words_of(language, line, column, detail::atom_marks) == line)
         return line;
@@ -396,6 +394,13 @@ inline std::string write_parameter(std::string_view language, std::string_view n
     }
     return line;
 }
+
+/** A body as it goes out, and what its header fields say of it. */
+struct body {
+    std::string charset;           /**< for the parameter of Content-Type */
+    std::string transfer_encoding; /**< for Content-Transfer-Encoding */
+    std::string bytes;             /**< in lines that end in CR LF */
+};
 
 /**
  * Writes a body: its lines end in CR LF, as they do not need to in the text. It goes out as it is where every
