@@ -71,5 +71,11 @@ dates)
     run 1719450900 Host/India en
     says "June 27, 2024" "6:45:00"
     ;;
+reply)
+    run de '=?koi8-r?B?78LFxA==?= in =?windows-1252?Q?K=F6ln?=' 'Gern 🙂'
+    says "Subject: Re: =?utf-8?B?0J7QsdC10LQ=?= in =?utf-8?B?S8O2bG4=?=" "charset=utf-8" "Encoding: base64"
+    if run de a "$(printf '\351')" 2>"$work/errors"; then exit 1; fi
+    grep -qx "reply: a text that is not UTF-8" "$work/errors"
+    ;;
 *) exit 1 ;;
 esac

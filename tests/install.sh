@@ -1,6 +1,6 @@
 #!/bin/sh
 # Installs the library, moves the installed tree, and builds hosts against it: by pkg-config with the C compiler alone,
-# among them an example and the README's, and as a CMake project. zel.pc stands alone, as on a machine without the
+# among them an example and those of the README, and as a CMake project. zel.pc stands alone, as on a machine without the
 # development files of ICU and NSPR. With "-" for a build directory it takes the library that the system's packages have
 # installed.
 # usage: install.sh CMAKE GENERATOR CC BUILD_DIRECTORY SOURCE_DIRECTORY
@@ -30,11 +30,13 @@ run_host "$work/host" "$(pkg-config --variable=bundles_path zel)"
 "$3" "$5/examples/charsets.c" "$5/examples/host.c" -o "$work/charsets" $(pkg-config --cflags --libs zel)
 "$work/charsets" "$5"/examples/texts/*.txt >/dev/null
 
-# shellcheck disable=SC2016
-sed -n '/^```c$/,/^```$/{/^```/!p;}' "$5/README.md" >"$work/readme.c"
-# shellcheck disable=SC2046
-"$3" "$work/readme.c" -o "$work/readme" $(pkg-config --cflags --libs zel)
-[ "$("$work/readme")" = Café ]
+for language in "c -std=c99" "cpp -std=c++17"; do
+    file=readme.${language%% *}
+    sed -n "/^\`\`\`${language%% *}\$/,/^\`\`\`/{/^\`\`\`/!p;}" "$5/README.md" >"$work/$file"
+    # shellcheck disable=SC2046
+    "$3" "${language#* }" "$work/$file" -o "$work/readme" $(pkg-config --cflags --libs zel) -lstdc++
+    "$work/readme" | grep -q Café
+done
 
 "$1" -G "$2" -S "$5/tests/install" -B "$work/build" -DCMAKE_C_COMPILER="$3" >/dev/null
 "$1" --build "$work/build" >/dev/null
