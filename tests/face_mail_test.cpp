@@ -31,6 +31,7 @@ TEST_F(Mail, is_read_in_headers_of_every_mailer) {
         {"=?utf-8?Q?a=0=zz=0Db=?=", "a=0=zz\rb="},
         {"=?utf-8?B?YQBi?=", "a\0b"s},
         {"=?utf-8?Q?=C3?=x", "\uFFFDx"},
+        {"=?utf-8?Q?=C3?= =?utf-8?B?qQ==?=", "\uFFFD\uFFFD"},
         {"=?x-foo?Q?=C3=A9?= =?x-foo,1?Q?=E9?= =?utf-8?X?a?= =?utf-8?Q?b?=",
          "é =?x-foo,1?Q?=E9?= =?utf-8?X?a?= b"},
         {"=?=?utf-8?Q?a?= =?utf-8?Q?b", "=?a =?utf-8?Q?b"},
@@ -92,6 +93,7 @@ TEST_F(Mail, is_written_in_plain_words_and_encoded_ones) {
         {"de", std::string(67, 'a') + " b", std::string(67, 'a') + "\r\n b"},
         {"de", std::string(68, 'a'),
          "=?utf-8?Q?" + std::string(55, 'a') + "?=\r\n =?utf-8?Q?" + std::string(13, 'a') + "?="},
+        {"de", std::string(50, 'a') + " äöü", std::string(50, 'a') + "\r\n =?iso-8859-15?B?5Pb8?="},
         {"de", "", ""},
     };
     for (const auto &row : rows)
