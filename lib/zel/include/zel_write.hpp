@@ -355,7 +355,7 @@ inline std::string write_header(std::string_view language, std::string_view text
  * mixture of both.
  */
 inline std::string write_phrase(std::string_view language, std::string_view text, std::size_t column = 9) {
-    const std::string line = detail::on_one_line(detail::terminated(text));
+    std::string line = detail::on_one_line(detail::terminated(text));
     if (detail::words_of(language, line, column, detail::atom_marks) == line)
         return line;
     detail::folded_value value = detail::value_behind(column);
