@@ -51,10 +51,11 @@ constexpr std::size_t sequence_length(char first) {
     return detail::sequence_of(static_cast<unsigned char>(first)).length;
 }
 
-// The first character of a text that is not empty.
-inline character first_character(std::string_view text) {
+namespace detail {
+
+inline character first_by_rule(std::string_view text) {
     const auto byte = [text](std::size_t at) { return static_cast<unsigned char>(text[at]); };
-    const detail::sequence known = detail::sequence_of(byte(0));
+    const sequence known = sequence_of(byte(0));
     if (known.length < 2)
         return {known.length ? byte(0) : broken, 1};
     char32_t code = byte(0) & (0x7FU >> known.length);
@@ -67,7 +68,20 @@ inline character first_character(std::string_view text) {
     return {code, known.length};
 }
 
-// ASCII characters at the beginning of a text, in steps of eight.
+} // namespace detail
+
+// The first character of a text that is not empty. East Asian text is nearly all of three bytes.
+inline character first_character(std::string_view text) {
+    const auto byte = [text](std::size_t at) { return static_cast<unsigned char>(text[at]); };
+    if (text.size() >= 3 && (byte(0) & 0xF0) == 0xE0 && (byte(1) & 0xC0) == 0x80 && (byte(2) & 0xC0) == 0x80) {
+        const char32_t code = (byte(0) & 0x0FU) << 12 | (byte(1) & 0x3FU) << 6 | (byte(2) & 0x3FU);
+        if (code >= 0x800 && (code < 0xD800 || code > 0xDFFF))
+            return {code, 3};
+    }
+    return detail::first_by_rule(text);
+}
+
+// ASCII characters at the beginning of a text.
 inline std::size_t ascii_run(std::string_view text) {
     std::size_t length = 0;
     for (std::uint64_t eight; text.size() - length >= sizeof eight; length += sizeof eight) {
@@ -75,6 +89,8 @@ inline std::size_t ascii_run(std::string_view text) {
         if (eight & 0x8080808080808080U)
             break;
     }
+    while (length < text.size() && !(text[length] & 0x80))
+        ++length;
     return length;
 }
 

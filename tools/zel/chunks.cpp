@@ -42,15 +42,16 @@ std::size_t behind_utf8_character(std::string_view text) {
     return sequence_length(text[last]) > text.size() - last ? last : text.size();
 }
 
-// What is no character becomes a byte that UTF-8 does not know.
-std::string read_utf32(std::string_view text, bool little) {
+std::string read_utf32(std::string_view text, bool little, std::vector<std::size_t> &broken) {
     std::string read;
     for (std::size_t at = 0; at < text.size(); at += 4) {
         char32_t code = 0;
         for (std::size_t i = 0; at + i < text.size() && i < 4; ++i)
             code |= static_cast<unsigned char>(text[at + i]) * 1U << 8 * (little ? i : 3 - i);
         const bool whole = text.size() - at >= 4 && code <= 0x10FFFF && (code < 0xD800 || code > 0xDFFF);
-        read += whole ? utf8(code) : "\xFF";
+        if (!whole)
+            broken.push_back(at / 4);
+        read += utf8(whole ? code : replacement);
     }
     return read;
 }
@@ -95,10 +96,10 @@ void chunked_file::grow() {
 
 chunk chunked_file::used_chunk(bool first) {
     const std::string_view text(buffer_.get(), used_);
-    chunk used = {text.substr(opening_), first ? from_.name : from_.unmarked, text, opening_, place_, from_.unit == 4};
+    chunk used = {text.substr(opening_), first ? from_.name : from_.unmarked, text, opening_, place_, from_.unit == 4, {}};
     if (used.utf32) {
         const bool marked = first && from_.kept == states::mark && text.substr(0, 4) == from_utf8(from_.unmarked, utf8(0xFEFF));
-        utf8_ = read_utf32(text.substr(marked ? 4 : 0), from_.line_feed.front() == '\n');
+        utf8_ = read_utf32(text.substr(marked ? 4 : 0), from_.line_feed.front() == '\n', used.broken);
         used.charset = "UTF-8";
         used.text = utf8_;
         used.text_place += marked ? 4 : 0;

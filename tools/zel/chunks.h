@@ -17,6 +17,7 @@
 
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace tool {
 
@@ -30,6 +31,7 @@ struct chunk {
     std::size_t opening;      // bytes that the text has before those of the file
     std::uint64_t text_place; // in the file, behind the opening
     bool utf32;               // each character has four bytes in the file
+    std::vector<std::size_t> broken; // characters of UTF-32 that are none, by their index
 
     // In the file, of a character of the text.
     std::uint64_t place_of(std::size_t at, std::size_t index) const {

@@ -33,6 +33,7 @@ private:
     std::string to_charset_; // without a mark once one is written
     repertoire characters_;
     bool same_, by_table_;
+    std::string detour_;
     std::unique_ptr<char[]> buffer_;
     std::size_t size_ = 0, length_ = 0;
     joined_escapes escapes_;
@@ -62,6 +63,10 @@ void conversion::append(const chunk &piece, std::string_view text) {
 std::string_view conversion::convert(const chunk &piece) {
     if (same_)
         return piece.bytes;
+    if (same_name(piece.charset, to_charset_) && !piece.utf32) { // a copy would keep what is broken
+        detour_ = from_utf8(to_charset_, to_utf8(piece.charset, piece.text));
+        return detour_;
+    }
     const std::int64_t estimate = ZEL_GetResultBufferSize(
         piece.text.data(), static_cast<std::int32_t>(piece.text.size()), piece.charset.c_str(), to_charset_.c_str());
     const auto need = static_cast<std::size_t>(
