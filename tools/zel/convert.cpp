@@ -14,8 +14,6 @@
 namespace tool {
 namespace {
 
-constexpr std::size_t places_told = 10; // of a file
-
 class conversion {
 public:
     conversion(const std::string &from_charset, const std::string &to_charset);
@@ -104,18 +102,14 @@ void conversion::convert(const std::string &path) {
     input_file file(path);
     progress bar(path, file.size());
     chunked_file chunks(file, from_, from_.kept == states::others || to_.kept == states::others);
-    std::uint64_t lost = 0;
+    loss_report report(path);
     while (const std::optional<chunk> piece = chunks.next()) {
         const std::string_view converted = convert(*piece);
-        const losses found = losses_of(*piece, converted, lost < places_told ? places_told - lost : 0);
-        for (const loss &each : found.first)
-            report(path, "byte " + std::to_string(each.place) + ": " + each.reason);
-        lost += found.count;
+        report.add(losses_of(*piece, converted, report.wanted()));
         write(converted);
         bar.advance(piece->bytes.size());
     }
-    if (lost > places_told)
-        report(path, "and " + std::to_string(lost - places_told) + " more");
+    report.close();
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "files.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 
 #include <fcntl.h>
@@ -57,17 +58,12 @@ std::string read_all(const std::string &path) {
 }
 
 void write_out(std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t count = write(STDOUT_FILENO, bytes.data(), bytes.size());
-        if (count >= 0)
-            bytes.remove_prefix(static_cast<std::size_t>(count));
-        else if (errno != EINTR)
-            throw output_error(errno);
-    }
+    if (std::fwrite(bytes.data(), 1, bytes.size(), stdout) < bytes.size())
+        throw output_error(errno);
 }
 
 void close_out() {
-    if (close(STDOUT_FILENO) < 0 && errno != EINTR)
+    if (std::fclose(stdout) != 0)
         throw output_error(errno);
 }
 

@@ -1,4 +1,4 @@
-// Bytes in and out by descriptor, without a buffer between: who reads and writes in large pieces needs none.
+// Files in, by descriptor, since they are read in large pieces; standard output out.
 //
 // A file that cannot be read throws file_error, and the next file has its turn. Output that cannot be written
 // throws output_error, which ends the program.
@@ -41,7 +41,7 @@ private:
 
 std::string read_all(const std::string &path);
 
-// To standard output, all of it.
+// To standard output.
 void write_out(std::string_view bytes);
 
 // The last chance to hear of a full disk.

@@ -1,12 +1,15 @@
 #include "losses.h"
 
 #include "characters.h"
+#include "report.h"
 
 #include <algorithm>
 #include <cstdio>
 
 namespace tool {
 namespace {
+
+constexpr std::size_t most_told = 10;
 
 bool among(const std::vector<std::string> &list, const std::string &text) {
     return std::find(list.begin(), list.end(), text) != list.end();
@@ -193,6 +196,21 @@ losses find_holes(const chunk &piece, std::string_view converted, const std::str
         in += in + 1 < piece.text.size() && piece.text[in + 1] != '\0' ? 2 : 1; // a NUL ends the text
     }
     return found;
+}
+
+std::size_t loss_report::wanted() const {
+    return count_ < most_told ? most_told - static_cast<std::size_t>(count_) : 0;
+}
+
+void loss_report::add(const losses &found) {
+    for (const loss &each : found.first)
+        report(path_, "byte " + std::to_string(each.place) + ": " + each.reason);
+    count_ += found.count;
+}
+
+void loss_report::close() const {
+    if (count_ > most_told)
+        report(path_, "and " + std::to_string(count_ - most_told) + " more");
 }
 
 } // namespace tool

@@ -60,4 +60,18 @@ losses find_losses(const charset &from, const chunk &piece, repertoire &characte
 losses find_holes(const chunk &piece, std::string_view converted, const std::string &to_charset,
                   std::size_t wanted);
 
+// Tells of the first losses of a file, and at the end how many more there were.
+class loss_report {
+public:
+    explicit loss_report(const std::string &path) : path_(path) {}
+
+    std::size_t wanted() const;
+    void add(const losses &found);
+    void close() const;
+
+private:
+    std::string path_;
+    std::uint64_t count_ = 0;
+};
+
 } // namespace tool

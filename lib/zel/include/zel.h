@@ -55,6 +55,19 @@
 
 #include <stdint.h>
 
+/**
+ * @defgroup zel_version Version
+ * Of this header. A library with a greater minor number does all that it says.
+ * @{
+ */
+
+#define ZEL_VERSION_MAJOR 1     /**< raised when hosts have to change */
+#define ZEL_VERSION_MINOR 0     /**< raised for what is new */
+#define ZEL_VERSION_PATCH 0     /**< raised for what is mended */
+#define ZEL_VERSION "1.0.0" /**< the three numbers */
+
+/** @} */
+
 /** Marks what the library exports. */
 #if defined(__GNUC__)
 #define ZEL_API __attribute__((visibility("default")))
