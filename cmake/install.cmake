@@ -1,4 +1,5 @@
-# What a host gets: the libraries, their headers, zel.pc, a CMake package, and the default bundle. Everything is found
+# What a host gets: the libraries, their headers, zel.pc, a CMake package, and the default bundle; and the program with
+# its manual page and its completion for bash. Everything is found
 # from the place of the installed files themselves, so an installed tree can be moved.
 
 include(CMakePackageConfigHelpers)
@@ -18,6 +19,13 @@ if(ZEL_TOOLS)
     install(TARGETS compile_bundle RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT development)
     install(DIRECTORY ${ZEL_BUILT_BUNDLES}/encbylang DESTINATION ${ZEL_BUNDLES_DIR} COMPONENT bundle)
     install(FILES docs/zel-compile-bundle.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT development)
+endif()
+
+if(TARGET zel_program)
+    install(TARGETS zel_program RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT program)
+    install(FILES docs/zel.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT program)
+    install(FILES tools/zel/completion.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME zel
+            COMPONENT program)
 endif()
 
 configure_package_config_file(cmake/zelConfig.cmake.in zelConfig.cmake

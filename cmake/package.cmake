@@ -2,6 +2,7 @@
 #   libzel1        the library. The bundle is apart, so that a libzel2 can be installed beside it.
 #   libqorm        the support library, which a host's own package replaces: libzel1 asks for the name alone.
 #   libzel-common  the default charset bundle
+#   zel            the program
 #   libzel-dev     headers, link names, zel.pc, the CMake package, the bundle compiler, manual pages and HTML
 
 set(CPACK_GENERATOR DEB)
@@ -57,6 +58,12 @@ set(CPACK_DEBIAN_SUPPORT_PACKAGE_CONTROL_EXTRA ${control_dir}/triggers)
 package(bundle libzel-common "charsets and message encoding for mail servers (data)" ${what_it_is}
         "This package holds the charsets of common locales and of web pages.")
 
+package(program zel "charsets and mail encoding from the command line" ${what_it_is}
+        "This package holds the program zel, which shows what the headers of a"
+        "message say, writes them, and converts files between charsets.")
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_SECTION utils)
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_RECOMMENDS "libzel-common ${this_version}")
+
 package(development libzel-dev "charsets and message encoding for mail servers (development)" ${what_it_is}
         "This package holds what programs are built with, the compiler of charset"
         "bundles and the reference.")
@@ -65,6 +72,9 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
     "libzel${ZEL_ABI} ${this_version}, libzel-common ${this_version}, icu-devtools")
 
 set(CPACK_COMPONENTS_ALL runtime support bundle development docs)
+if(TARGET zel_program)
+    list(APPEND CPACK_COMPONENTS_ALL program)
+endif()
 set(CPACK_COMPONENT_DEVELOPMENT_GROUP development)
 set(CPACK_COMPONENT_DOCS_GROUP development)
 include(CPack)

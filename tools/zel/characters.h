@@ -1,5 +1,5 @@
-// UTF-8, a character at a time. A sequence that is broken ends where Unicode's substitution of maximal subparts
-// ends it (Unicode 15, section 3.9), so that each is one U+FFFD of ICU's.
+// UTF-8, a character at a time. A sequence that is broken ends where Unicode's substitution of maximal
+// subparts ends it (Unicode 15, section 3.9), so that each is one U+FFFD of ICU's.
 
 #pragma once
 
@@ -73,7 +73,8 @@ inline character first_by_rule(std::string_view text) {
 // The first character of a text that is not empty. East Asian text is nearly all of three bytes.
 inline character first_character(std::string_view text) {
     const auto byte = [text](std::size_t at) { return static_cast<unsigned char>(text[at]); };
-    if (text.size() >= 3 && (byte(0) & 0xF0) == 0xE0 && (byte(1) & 0xC0) == 0x80 && (byte(2) & 0xC0) == 0x80) {
+    if (text.size() >= 3 && (byte(0) & 0xF0) == 0xE0 && (byte(1) & 0xC0) == 0x80 &&
+        (byte(2) & 0xC0) == 0x80) {
         const char32_t code = (byte(0) & 0x0FU) << 12 | (byte(1) & 0x3FU) << 6 | (byte(2) & 0x3FU);
         if (code >= 0x800 && (code < 0xD800 || code > 0xDFFF))
             return {code, 3};

@@ -46,8 +46,8 @@ const byte_order *own_order(const charset &of) {
     });
 }
 
-// A text can be cut behind a line feed if a character is the same bytes wherever it stands, and none but the line
-// feed has the bytes of one.
+// A text can be cut behind a line feed if a character is the same bytes wherever it stands, and none but the
+// line feed has the bytes of one.
 bool keeps_states(const charset &of) {
     const auto depends = [&of](const char *character) {
         const std::string once = from_utf8(of.name, character);

@@ -1,5 +1,5 @@
-// What a charset is like, learned from the library by a few small conversions, so that every name and alias that the
-// library takes is known as well as the next.
+// What a charset is like, learned from the library by a few small conversions, so that every name and alias
+// that the library takes is known as well as the next.
 
 #pragma once
 
@@ -28,7 +28,8 @@ struct charset {
 
 charset learn(const std::string &name);
 
-// The charset of a text that begins so: by its mark, if it has one. The name stays, as the mark is still to be read.
+// The charset of a text that begins so: by its mark, if it has one. The name stays, as the mark is still to
+// be read.
 charset settle(const charset &from, std::string_view beginning);
 
 bool same_name(const std::string &one, const std::string &other);

@@ -11,7 +11,8 @@ namespace {
 constexpr std::size_t longest_character = 6; // of CESU-8
 constexpr std::string_view roman = "\x1B(J"; // the state that outlives a line feed
 
-std::size_t behind_last(std::string_view text, std::size_t unit, std::string_view one, std::string_view other) {
+std::size_t behind_last(std::string_view text, std::size_t unit, std::string_view one,
+                        std::string_view other) {
     for (std::size_t end = text.size() - text.size() % unit; end >= unit; end -= unit) {
         const std::string_view last = text.substr(end - unit, unit);
         if (last == one || last == other)
@@ -96,9 +97,16 @@ void chunked_file::grow() {
 
 chunk chunked_file::used_chunk(bool first) {
     const std::string_view text(buffer_.get(), used_);
-    chunk used = {text.substr(opening_), first ? from_.name : from_.unmarked, text, opening_, place_, from_.unit == 4, {}};
+    chunk used = {text.substr(opening_),
+                  first ? from_.name : from_.unmarked,
+                  text,
+                  opening_,
+                  place_,
+                  from_.unit == 4,
+                  {}};
     if (used.utf32) {
-        const bool marked = first && from_.kept == states::mark && text.substr(0, 4) == from_utf8(from_.unmarked, utf8(0xFEFF));
+        const bool marked = first && from_.kept == states::mark &&
+                            text.substr(0, 4) == from_utf8(from_.unmarked, utf8(0xFEFF));
         utf8_ = read_utf32(text.substr(marked ? 4 : 0), from_.line_feed.front() == '\n', used.broken);
         used.charset = "UTF-8";
         used.text = utf8_;

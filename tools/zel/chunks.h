@@ -1,12 +1,13 @@
-// A file as a row of chunks that can be converted each on its own: a chunk ends where nothing has to be remembered of
-// it but what the next one is told.
+// A file as a row of chunks that can be converted each on its own: a chunk ends where nothing has to be
+// remembered of it but what the next one is told.
 //
 //     no states          behind a line feed or a blank; where there is none, behind a character
 //     marks              the same; the chunks behind the first bear the name that the mark stands for
-//     escape sequences   behind a line feed, which ends all but one of the states of ISO-2022-JP; the chunk behind
+//     escape sequences   behind a line feed, which ends all but one of the states of ISO-2022-JP; the chunk
+//     behind
 //                        opens with that one's escape sequence
-//     UTF-32             the same, read as UTF-8: the library takes too little room for characters above U+FFFF
-//     whole              at the end of the file, which may not be longer than 64 MiB
+//     UTF-32             the same, read as UTF-8: the library takes too little room for characters above
+//     U+FFFF whole              at the end of the file, which may not be longer than 64 MiB
 //
 // Invariant: the chunks without what was put before them are the file, byte for byte.
 
@@ -27,10 +28,10 @@ constexpr std::size_t longest_whole = 64 * 1024 * 1024;
 struct chunk {
     std::string_view bytes; // of the file
     std::string charset;
-    std::string_view text;    // what is converted
-    std::size_t opening;      // bytes that the text has before those of the file
-    std::uint64_t text_place; // in the file, behind the opening
-    bool utf32;               // each character has four bytes in the file
+    std::string_view text;           // what is converted
+    std::size_t opening;             // bytes that the text has before those of the file
+    std::uint64_t text_place;        // in the file, behind the opening
+    bool utf32;                      // each character has four bytes in the file
     std::vector<std::size_t> broken; // characters of UTF-32 that are none, by their index
 
     // In the file, of a character of the text.

@@ -56,8 +56,8 @@ void conversion::append(const chunk &piece, std::string_view text) {
             buffer_.get() + length_, static_cast<std::int32_t>(size_ - length_)));
 }
 
-// The library's estimate is doubled, since escape sequences around short runs may need more, and a result that does
-// not fit would come out as it went in.
+// The library's estimate is doubled, since escape sequences around short runs may need more, and a result
+// that does not fit would come out as it went in.
 std::string_view conversion::convert(const chunk &piece) {
     if (same_)
         return piece.bytes;
@@ -65,8 +65,9 @@ std::string_view conversion::convert(const chunk &piece) {
         detour_ = from_utf8(to_charset_, to_utf8(piece.charset, piece.text));
         return detour_;
     }
-    const std::int64_t estimate = ZEL_GetResultBufferSize(
-        piece.text.data(), static_cast<std::int32_t>(piece.text.size()), piece.charset.c_str(), to_charset_.c_str());
+    const std::int64_t estimate =
+        ZEL_GetResultBufferSize(piece.text.data(), static_cast<std::int32_t>(piece.text.size()),
+                                piece.charset.c_str(), to_charset_.c_str());
     const auto need = static_cast<std::size_t>(
         std::min<std::int64_t>(2 * estimate + 64, std::numeric_limits<std::int32_t>::max()));
     if (size_ < need) {
@@ -75,7 +76,8 @@ std::string_view conversion::convert(const chunk &piece) {
     }
     length_ = 0;
     std::string_view rest = piece.text;
-    for (std::size_t end = 0; by_table_ && (end = rest.find('\0')) != rest.npos; rest.remove_prefix(end + 1)) {
+    for (std::size_t end = 0; by_table_ && (end = rest.find('\0')) != rest.npos;
+         rest.remove_prefix(end + 1)) {
         append(piece, rest.substr(0, end));
         buffer_[length_++] = '\0';
     }
@@ -88,7 +90,8 @@ std::string_view conversion::convert(const chunk &piece) {
 losses conversion::losses_of(const chunk &piece, std::string_view converted, std::size_t wanted) {
     if (by_table_)
         return find_holes(piece, converted, to_.name, wanted);
-    return same_ || characters_.suspects(converted) ? find_losses(from_, piece, characters_, wanted) : losses{};
+    return same_ || characters_.suspects(converted) ? find_losses(from_, piece, characters_, wanted)
+                                                    : losses{};
 }
 
 void conversion::write(std::string_view converted) {

@@ -10,7 +10,8 @@
 
 namespace tool {
 
-output_error::output_error(int number) : runtime_error(std::strerror(number)), nobody_reads(number == EPIPE) {}
+output_error::output_error(int number)
+    : runtime_error(std::strerror(number)), nobody_reads(number == EPIPE) {}
 
 input_file::input_file(const std::string &path)
     : descriptor_(path == "-" ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_CLOEXEC)) {

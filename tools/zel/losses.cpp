@@ -80,9 +80,11 @@ std::size_t count_characters(std::string_view text) {
         std::count_if(text.begin(), text.end(), [](char byte) { return (byte & 0xC0) != 0x80; }));
 }
 
-// Where a character begins: behind the longest beginning of the text that holds no more characters than stand before
-// it. One that is cut off counts as one. Doubled first, so that what stands early is found early; then halved.
-std::size_t beginning_of(std::size_t index, const charset &from, const std::string &charset, std::string_view text) {
+// Where a character begins: behind the longest beginning of the text that holds no more characters than stand
+// before it. One that is cut off counts as one. Doubled first, so that what stands early is found early; then
+// halved.
+std::size_t beginning_of(std::size_t index, const charset &from, const std::string &charset,
+                         std::string_view text) {
     const auto reaches = [&](std::size_t units) {
         return units * from.unit >= text.size() ||
                count_characters(to_utf8(charset, text.substr(0, units * from.unit))) > index;
@@ -100,7 +102,8 @@ std::size_t beginning_of(std::size_t index, const charset &from, const std::stri
 }
 
 void replace(std::string &text, const charset &of, char32_t code, char32_t other) {
-    const std::string bytes = from_utf8(of.unmarked, utf8(code)), others = from_utf8(of.unmarked, utf8(other));
+    const std::string bytes = from_utf8(of.unmarked, utf8(code)),
+                      others = from_utf8(of.unmarked, utf8(other));
     if (bytes.size() != others.size())
         return;
     for (std::size_t at = 0; (at = text.find(bytes, at)) != text.npos; ++at)
@@ -108,9 +111,10 @@ void replace(std::string &text, const charset &of, char32_t code, char32_t other
             text.replace(at, bytes.size(), others);
 }
 
-// What ICU reads in place of a broken sequence may be in the text as a character too. That one gives place to another
-// of its size and fate, so that all which is read is for broken sequences.
-constexpr char32_t stand_in = 0xFFFF; // of U+FFFD, as no text holds it, and no charset but those of all Unicode
+// What ICU reads in place of a broken sequence may be in the text as a character too. That one gives place to
+// another of its size and fate, so that all which is read is for broken sequences.
+constexpr char32_t stand_in =
+    0xFFFF; // of U+FFFD, as no text holds it, and no charset but those of all Unicode
 
 std::string without_substitutes(std::string text, const charset &from) {
     if (from.kept == states::others)
@@ -129,11 +133,12 @@ losses losses_in_utf8(const charset &from, const chunk &piece, repertoire &chara
     const auto is_lost = [&](char32_t code, std::size_t index) {
         return is_broken(code, index) || !characters.holds(code);
     };
-    each_lost(piece.text, characters.holds_ascii(), is_lost, [&](std::size_t at, std::size_t index, char32_t code) {
-        if (++found.count <= wanted)
-            found.first.push_back(
-                {piece.place_of(at, index), reason(is_broken(code, index), code, from, characters)});
-    });
+    each_lost(piece.text, characters.holds_ascii(), is_lost,
+              [&](std::size_t at, std::size_t index, char32_t code) {
+                  if (++found.count <= wanted)
+                      found.first.push_back({piece.place_of(at, index),
+                                             reason(is_broken(code, index), code, from, characters)});
+              });
     return found;
 }
 
@@ -146,11 +151,13 @@ losses losses_in_other(const charset &from, const chunk &piece, repertoire &char
     const auto is_lost = [&](char32_t code, std::size_t) {
         return is_broken(code) || !characters.holds(code);
     };
-    each_lost(to_utf8(piece.charset, source), false, is_lost, [&](std::size_t, std::size_t index, char32_t code) {
-        if (++found.count <= wanted)
-            found.first.push_back({piece.place_of(beginning_of(index, from, piece.charset, source), index),
-                                   reason(is_broken(code), code == stand_in ? replacement : code, from, characters)});
-    });
+    each_lost(to_utf8(piece.charset, source), false, is_lost,
+              [&](std::size_t, std::size_t index, char32_t code) {
+                  if (++found.count <= wanted)
+                      found.first.push_back(
+                          {piece.place_of(beginning_of(index, from, piece.charset, source), index),
+                           reason(is_broken(code), code == stand_in ? replacement : code, from, characters)});
+              });
     return found;
 }
 
@@ -168,7 +175,8 @@ repertoire::repertoire(const charset &of)
 repertoire::answer repertoire::ask(char32_t code) const {
     const std::string bytes = from_utf8(of_.unmarked, utf8(code));
     const bool stands_for_others = among(substitutes_, bytes);
-    return stands_for_others && (code == replacement || to_utf8(of_.unmarked, bytes) != utf8(code)) ? no : yes;
+    return stands_for_others && (code == replacement || to_utf8(of_.unmarked, bytes) != utf8(code)) ? no
+                                                                                                    : yes;
 }
 
 bool repertoire::suspects(std::string_view text) const {

@@ -1,5 +1,6 @@
-// What a conversion loses, and where. The library says nothing of it, so the output is searched for what stands in
-// it for a character that was lost; only where that is found the input is read once more, character by character.
+// What a conversion loses, and where. The library says nothing of it, so the output is searched for what
+// stands in it for a character that was lost; only where that is found the input is read once more, character
+// by character.
 //
 // Invariant: what is told is lost. A substitute that the input holds as a character of its own is not.
 

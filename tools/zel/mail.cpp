@@ -97,7 +97,7 @@ void decode_headers(const std::string &language, const std::string &to_charset, 
         const std::string text =
             language.empty() ? zel::read_header(given.text) : zel::decode_header(language, given.text);
         report_unread(given, language, text);
-        output.put(given.place, on_one_line(text));
+        output.put(given.place, without_controls(text));
     });
 }
 
@@ -121,18 +121,18 @@ void decode_parameters(const std::string &to_charset, const texts &values) {
         for (const std::string &name : parameter_names(value)) {
             const std::string text = zel::read_parameter(value, name).value_or("");
             report_unread(given, "", text);
-            output.put(given.place, on_one_line(text));
+            output.put(given.place, without_controls(text));
         }
     });
 }
 
 void encode_parameters(const std::string &language, const std::string &name, const texts &values) {
-    each_text(values, [&](const given_text &given) {
-        put_wire(zel::write_parameter(language, name, given.text));
-    });
+    each_text(values,
+              [&](const given_text &given) { put_wire(zel::write_parameter(language, name, given.text)); });
 }
 
-void decode_body(const std::string &language, const std::string &from_charset, const std::string &to_charset) {
+void decode_body(const std::string &language, const std::string &from_charset,
+                 const std::string &to_charset) {
     attempt("-", [&] {
         const std::string bytes = read_all("-");
         const std::optional<std::string_view> known =
@@ -142,7 +142,8 @@ void decode_body(const std::string &language, const std::string &from_charset, c
                                    : zel::decode_body(language, charset, bytes, to_charset));
         repertoire characters(learn(to_charset));
         loss_report losses("-");
-        losses.add(find_losses(learn(charset), {bytes, charset, bytes, 0, 0, false, {}}, characters, losses.wanted()));
+        losses.add(find_losses(learn(charset), {bytes, charset, bytes, 0, 0, false, {}}, characters,
+                               losses.wanted()));
         losses.close();
     });
 }
@@ -161,7 +162,7 @@ void decode_mailboxes(const std::string &to_charset, const texts &names) {
         const std::string name = zel::decode_mailbox(given.text);
         if (zel::encode_mailbox(name) != given.text)
             report(given.place, "not the form that a mailbox has on the wire");
-        output.put(given.place, on_one_line(name));
+        output.put(given.place, without_controls(name));
     });
 }
 

@@ -1,5 +1,5 @@
-// What a message is made of, on the wire and back: `zel decode-header` and its relatives. Without a language the readers
-// and writers for mail at large do the work, with one those that keep to its rules.
+// What a message is made of, on the wire and back: `zel decode-header` and its relatives. Without a language
+// the readers and writers for mail at large do the work, with one those that keep to its rules.
 //
 // What goes out on the wire with CR LF is written with the line feed that files here have.
 

@@ -1,6 +1,8 @@
-// zel, the library for people and scripts: the command line. What the commands do stands in convert, mail and locales.
+// zel, the library for people and scripts: the command line. What the commands do stands in convert, mail and
+// locales.
 //
-// Exit code: 0; 1 where something could not be read, converted or written, which is said on stderr; 2 for wrong use.
+// Exit code: 0; 1 where something could not be read, converted or written, which is said on stderr; 2 for
+// wrong use.
 
 #include "convert.h"
 #include "files.h"
@@ -94,9 +96,8 @@ void add_parameters(CLI::App &app, options &given) {
     add_target(decode, given);
     add_texts(decode, "VALUE", given);
 
-    CLI::App *encode = add_command(app, "encode-parameter", "Write a parameter", [&] {
-        tool::encode_parameters(given.language, given.name, given.texts);
-    });
+    CLI::App *encode = add_command(app, "encode-parameter", "Write a parameter",
+                                   [&] { tool::encode_parameters(given.language, given.name, given.texts); });
     add_language(encode, given, "language of the value")->required();
     encode->add_option("NAME", given.name, "as in filename")->type_name("")->required();
     add_texts(encode, "VALUE", given);
@@ -141,7 +142,8 @@ void add_locales(CLI::App &app, options &given) {
     add_locale(date);
     date->add_option("-z", given.zone, "as in Asia/Tokyo (GMT)")->type_name("ZONE");
     add_target(date, given);
-    date->add_option("SECONDS", given.times, "since 1970 began; now if there is none, and for 0")->type_name("");
+    date->add_option("SECONDS", given.times, "since 1970 began; now if there is none, and for 0")
+        ->type_name("");
 
     CLI::App *sort = add_command(app, "sort", "Sort lines as a reader of the locale does",
                                  [&] { tool::sort_lines(given.locale, given.charset, given.headers); });
@@ -149,15 +151,16 @@ void add_locales(CLI::App &app, options &given) {
     add_charset(sort, "-c", given.charset, "charset of the lines (UTF-8)");
     sort->add_flag("--headers", given.headers, "sort header values by what they say");
 
-    add_command(app, "languages", "List languages: mail charset, web charset, transfer encoding, admitted charsets",
+    add_command(app, "languages",
+                "List languages: mail charset, web charset, transfer encoding, admitted charsets",
                 tool::list_languages);
 }
 
 // The bundle that was installed with the program, or the one of the user's choice.
 std::string bundles_path() {
-    if (const char *chosen = std::getenv("ZEL_BUNDLES"))
-        return chosen;
     std::error_code none;
+    if (const char *chosen = std::getenv("ZEL_BUNDLES"))
+        return std::filesystem::absolute(chosen, none);
     const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", none);
     return program.parent_path() / ZEL_BUNDLES_FROM_PROGRAM;
 }

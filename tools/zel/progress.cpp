@@ -39,7 +39,8 @@ void progress::draw() const {
     }
     const double share = std::min(1.0, static_cast<double>(done_) / static_cast<double>(size_));
     const std::string bar(static_cast<std::size_t>(share * width), '#');
-    std::fprintf(stderr, "\r%s: [%-*s] %3.0f %%, %llu MB", name_.c_str(), width, bar.c_str(), share * 100, megabytes);
+    std::fprintf(stderr, "\r%s: [%-*s] %3.0f %%, %llu MB", name_.c_str(), width, bar.c_str(), share * 100,
+                 megabytes);
 }
 
 } // namespace tool

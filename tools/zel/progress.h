@@ -1,5 +1,5 @@
-// A bar on stderr while a long conversion runs, for somebody who looks on: shown only where stderr is a terminal and
-// standard output is not, and only after a while. Nothing is left of it at the end.
+// A bar on stderr while a long conversion runs, for somebody who looks on: shown only where stderr is a
+// terminal and standard output is not, and only after a while. Nothing is left of it at the end.
 
 #pragma once
 

@@ -1,6 +1,9 @@
 #include "report.h"
 
+#include <algorithm>
 #include <cstdio>
+
+#include <unistd.h>
 
 namespace tool {
 namespace {
@@ -11,8 +14,13 @@ bool reported = false;
 
 void report(std::string_view file, std::string_view reason) {
     reported = true;
-    const std::string line = "zel: " + std::string(file) + ": " + std::string(reason) + "\n";
-    std::fwrite(line.data(), 1, line.size(), stderr);
+    std::string line = "zel: " + std::string(file) + ": " + std::string(reason);
+    const auto is_control = [](unsigned char byte) {
+        return byte < 0x20 || byte == 0x7F;
+    }; // names from the wire
+    std::replace_if(line.begin(), line.end(), is_control, '?');
+    const char *over_the_bar = isatty(STDERR_FILENO) ? "\r\x1B[K" : "";
+    std::fprintf(stderr, "%s%s\n", over_the_bar, line.c_str());
 }
 
 int exit_code() {

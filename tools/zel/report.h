@@ -1,4 +1,5 @@
-// What goes wrong is said on stderr as `zel: FILE: reason`, and kept in mind for the exit code; the work goes on.
+// What goes wrong is said on stderr as `zel: FILE: reason`, and kept in mind for the exit code; the work goes
+// on.
 
 #pragma once
 

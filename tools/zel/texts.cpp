@@ -108,8 +108,21 @@ void line_output::put(const std::string &place, const std::string &text) {
 }
 
 std::string on_one_line(std::string text) {
-    std::replace_if(text.begin(), text.end(), [](char byte) { return byte == '\n' || byte == '\r'; }, ' ');
+    std::replace_if(
+        text.begin(), text.end(), [](char byte) { return byte == '\n' || byte == '\r'; }, ' ');
     return text;
+}
+
+std::string without_controls(std::string_view text) {
+    std::string shown;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const auto byte = static_cast<unsigned char>(text[at]);
+        const bool is_wide_control = byte == 0xC2 && at + 1 < text.size() && (text[at + 1] & 0xE0) == 0x80;
+        const bool is_control = (byte < 0x20 && byte != '\t') || byte == 0x7F || is_wide_control;
+        shown += is_control ? ' ' : text[at];
+        at += is_wide_control ? 1 : 0;
+    }
+    return shown;
 }
 
 } // namespace tool

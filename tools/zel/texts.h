@@ -1,8 +1,8 @@
-// Texts that a command is given, and texts that it gives: in by arguments or by the lines of standard input, out by
-// lines in a charset that the user chose.
+// Texts that a command is given, and texts that it gives: in by arguments or by the lines of standard input,
+// out by lines in a charset that the user chose.
 //
-// Invariant: each text is taken and given on its own. One that fails is reported with its place, and the next has its
-// turn.
+// Invariant: each text is taken and given on its own. One that fails is reported with its place, and the next
+// has its turn.
 
 #pragma once
 
@@ -26,7 +26,8 @@ void attempt(const std::string &place, const std::function<void()> &work);
 
 using text_user = std::function<void(const given_text &)>;
 
-// Calls for each of the arguments or, if there is none, for each line of standard input. A zel::error is reported.
+// Calls for each of the arguments or, if there is none, for each line of standard input. A zel::error is
+// reported.
 void each_text(const std::vector<std::string> &arguments, const text_user &use);
 
 // The same for headers, where a line that begins with a blank goes on with the header before it.
@@ -61,5 +62,9 @@ private:
 
 // The text on one line, with a blank for each line break.
 std::string on_one_line(std::string text);
+
+// A text in UTF-8 that a terminal can be shown: a blank for each control but TAB, so that nobody's subject
+// gives it commands.
+std::string without_controls(std::string_view text);
 
 } // namespace tool

@@ -61,9 +61,9 @@
  * @{
  */
 
-#define ZEL_VERSION_MAJOR 1     /**< raised when hosts have to change */
-#define ZEL_VERSION_MINOR 0     /**< raised for what is new */
-#define ZEL_VERSION_PATCH 0     /**< raised for what is mended */
+#define ZEL_VERSION_MAJOR 1 /**< raised when hosts have to change */
+#define ZEL_VERSION_MINOR 0 /**< raised for what is new */
+#define ZEL_VERSION_PATCH 0 /**< raised for what is mended */
 #define ZEL_VERSION "1.0.0" /**< the three numbers */
 
 /** @} */
