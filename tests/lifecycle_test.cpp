@@ -20,6 +20,13 @@ private:
     scratch_directory directory_;
 };
 
+TEST(Lifecycle, the_header_tells_the_version_of_the_project) {
+    EXPECT_STREQ(ZEL_VERSION, VERSION_OF_PROJECT);
+    const int numbers[] = {ZEL_VERSION_MAJOR, ZEL_VERSION_MINOR, ZEL_VERSION_PATCH};
+    EXPECT_EQ(ZEL_VERSION, std::to_string(numbers[0]) + "." + std::to_string(numbers[1]) + "." +
+                               std::to_string(numbers[2]));
+}
+
 TEST(Lifecycle, calls_that_break_the_contract_stop_the_process) {
     const ZELConfig no_path = {};
     const char *no_root = "init: .*svrroot && \\*svrroot";
