@@ -1,7 +1,7 @@
 /* Shows message files in UTF-8: the headers that a reader looks at, the date as the reader's language has it,
- * the text, and the names of the attachments. With -s it prints the subjects alone.
+ * the text, and the names of the attachments.
  *
- *     show [-s] examples/messages/de.windows-1252.eml ...
+ *     show examples/messages/de.windows-1252.eml ...
  *
  * GMime finds the parts and undoes their transfer encodings; the library reads headers, names and text. It
  * leaves a header word in a charset that the language does not admit undecoded, and raw 8-bit bytes come out
@@ -14,8 +14,6 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
-
-static int subjects_only;
 
 static const char *raw_header(GMimeObject *object, const char *name) {
     GMimeHeader *header = g_mime_header_list_get_header(g_mime_object_get_header_list(object), name);
@@ -33,12 +31,10 @@ static void print_header(const char *language, GMimeObject *message, const char 
         free(text);
         text = g_mime_utils_header_decode_text(NULL, value);
     }
-    if (!subjects_only)
-        printf("%-9s", name);
-    printf("%s\n", text);
-    if (!subjects_only && is_refused)
+    printf("%-9s%s\n", name, text);
+    if (is_refused)
         printf("         (by GMime: %s is not admitted for %s)\n", refused, language);
-    else if (!subjects_only && is_raw)
+    else if (is_raw)
         printf("         (by GMime: raw 8-bit bytes)\n");
     g_free(value);
     free(text);
@@ -99,15 +95,13 @@ static GMimeMessage *read_message(const char *path) {
 static void show(const char *path) {
     char *language = language_of(path);
     GMimeMessage *message = read_message(path);
-    if (!subjects_only) {
-        printf("== %s, as mail in %s\n", path, language);
-        print_header(language, GMIME_OBJECT(message), "From");
-        print_header(language, GMIME_OBJECT(message), "To");
-        print_date(language, message);
-    }
+    printf("== %s, as mail in %s\n", path, language);
+    print_header(language, GMIME_OBJECT(message), "From");
+    print_header(language, GMIME_OBJECT(message), "To");
+    print_date(language, message);
     print_header(language, GMIME_OBJECT(message), "Subject");
     GMimePartIter *parts = g_mime_part_iter_new(GMIME_OBJECT(message));
-    while (!subjects_only && g_mime_part_iter_is_valid(parts)) {
+    while (g_mime_part_iter_is_valid(parts)) {
         print_part(language, g_mime_part_iter_get_current(parts));
         g_mime_part_iter_next(parts);
     }
@@ -119,8 +113,7 @@ static void show(const char *path) {
 int main(int argc, char **argv) {
     start_library();
     g_mime_init();
-    subjects_only = argc > 1 && strcmp(argv[1], "-s") == 0;
-    for (int i = 1 + subjects_only; i < argc; ++i)
+    for (int i = 1; i < argc; ++i)
         show(argv[i]);
     return 0;
 }

@@ -47,11 +47,6 @@ class ComposedMessage(unittest.TestCase):
         for text in texts:
             self.assertIn(text, shown)
 
-    def test_covers_the_languages_of_the_library(self):
-        listed = subprocess.run([PROGRAMS / "languages"], capture_output=True, check=True, text=True).stdout
-        tested = [language for language, *_ in SAMPLES]
-        self.assertEqual(sorted(tested), sorted(listed[listed.index("[") + 1 : listed.index("]")].split(",")))
-
     def test_is_plain_where_the_text_is_ascii(self):
         wire = written("de", "Hello", 'Doe, "Jim"', "a.txt", "just text\n")
         message = email.message_from_bytes(wire, policy=email.policy.default)

@@ -27,8 +27,8 @@ fi
 run_host "$work/host" "$(pkg-config --variable=bundles_path zel)"
 
 # shellcheck disable=SC2046
-"$3" "$5/examples/charsets.c" "$5/examples/host.c" -o "$work/charsets" $(pkg-config --cflags --libs zel)
-"$work/charsets" "$5"/examples/texts/*.txt >/dev/null
+"$3" "$5/examples/direct.c" "$5/examples/host.c" -o "$work/direct" $(pkg-config --cflags --libs zel)
+"$work/direct" "$5/examples/texts" >/dev/null
 
 for language in "c -std=c99" "cpp -std=c++17"; do
     file=readme.${language%% *}
@@ -37,6 +37,10 @@ for language in "c -std=c99" "cpp -std=c++17"; do
     "$3" "${language#* }" "$work/$file" -o "$work/readme" $(pkg-config --cflags --libs zel) -lstdc++
     "$work/readme" | grep -q Café
 done
+
+# The program finds the library and the bundle by its own place.
+program=$(PATH="$work/moved/bin:$PATH" command -v zel) || echo "the program was not built"
+[ -z "$program" ] || env -u LD_LIBRARY_PATH "$program" languages | grep -q '^ru *iso-8859-5 *iso-8859-5 '
 
 "$1" -G "$2" -S "$5/tests/install" -B "$work/build" -DCMAKE_C_COMPILER="$3" >/dev/null
 "$1" --build "$work/build" >/dev/null

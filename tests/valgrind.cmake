@@ -27,7 +27,10 @@ foreach(share RANGE 1 ${shares})
 endforeach()
 
 if(ZEL_EXAMPLES)
+    if(TARGET zel_program)
+        set(directory_of_zel $<TARGET_FILE_DIR:zel_program>)
+    endif()
     add_valgrind_test(Memory.is_not_lost_nor_misread_in_a_run_of_the_demo
                       sh ${CMAKE_CURRENT_SOURCE_DIR}/memcheck.sh ${PROJECT_BINARY_DIR}/examples
-                      ${PROJECT_SOURCE_DIR}/examples ${CMAKE_CURRENT_SOURCE_DIR}/valgrind.supp)
+                      ${PROJECT_SOURCE_DIR}/examples ${CMAKE_CURRENT_SOURCE_DIR}/valgrind.supp ${directory_of_zel})
 endif()
