@@ -46,7 +46,7 @@ std::uint64_t input_file::size() const {
 }
 
 std::string read_all(const std::string &path) {
-    constexpr std::size_t step = 64 * 1024;
+    constexpr std::size_t step = std::size_t{64} * 1024;
     input_file file(path);
     std::string bytes;
     for (;;) {

@@ -195,6 +195,8 @@ int main(int argc, char **argv) {
             tool::report("standard output", fault.what());
     } catch (const std::bad_alloc &) {
         tool::report("memory", "there is too little of it");
+    } catch (const std::exception &fault) {
+        tool::report("-", fault.what());
     }
     return failed;
 }
