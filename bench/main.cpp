@@ -4,6 +4,7 @@
 // Invariant: a row is timed only when its subjects have given the same on each of its texts, which has also
 // warmed them up. Then they take turns by chance, so that what else the machine does meets them all.
 
+#include "report.h"
 #include "rows.h"
 
 #include <zel.h>
@@ -98,7 +99,7 @@ double race(const subject &who, text_pool &texts) {
 }
 
 // Gives the nanoseconds that a text takes.
-std::map<std::string, double> measure(trial &with) {
+std::map<std::string, double> measure(trial &with, bool is_brief) {
     const bool by_clock = with.subjects.front().threads > 1;
     const std::size_t room = longest(with.texts);
     for (const subject &who : with.subjects) {
@@ -116,6 +117,8 @@ std::map<std::string, double> measure(trial &with) {
                 ->UseManualTime()
                 ->MinTime(1e-4)
                 ->Repetitions(100);
+        else if (is_brief)
+            benchmark::RegisterBenchmark(who.name.c_str(), alone)->MinTime(.003)->Repetitions(7);
         else
             benchmark::RegisterBenchmark(who.name.c_str(), alone);
     }
@@ -127,45 +130,43 @@ std::map<std::string, double> measure(trial &with) {
     return reporter.times;
 }
 
-constexpr const char *columns = "%-44s %11s %11s  %-18s %6s %5s\n";
-
-// Gives whether the goal is met.
-bool print(const row &of, const trial &with, const std::map<std::string, double> &times) {
-    const double own = times.at(with.subjects.front().name);
-    if (with.subjects.size() == 1) {
-        std::printf("%-44s %11.1f\n", of.name.c_str(), own);
-        return true;
-    }
-    const auto time_of = [&](const subject &who) { return times.at(who.name); };
-    const subject &best = *std::min_element(
-        with.subjects.begin() + 1, with.subjects.end(),
-        [&](const subject &one, const subject &other) { return time_of(one) < time_of(other); });
-    const double ratio = own / time_of(best);
-    std::printf("%-44s %11.1f %11.1f  %-18s %6.3f %5.2f%s\n", of.name.c_str(), own, time_of(best),
-                best.name.c_str(), ratio, of.goal, ratio <= of.goal ? "" : "  missed");
-    return ratio <= of.goal;
+result_of_row time_row(const row &of, bool is_brief) {
+    trial with = of.prepare();
+    check(of, with);
+    const std::map<std::string, double> times = measure(with, is_brief);
+    std::size_t bytes = 0;
+    for (const std::string &text : with.texts)
+        bytes += text.size();
+    result_of_row timed = {of.name, of.goal, bytes / with.texts.size(), times.at(with.subjects.front().name)};
+    for (std::size_t i = 1; i < with.subjects.size(); ++i)
+        if (const double time = times.at(with.subjects[i].name); i == 1 || time < timed.best) {
+            timed.best = time;
+            timed.neighbour = with.subjects[i].name;
+        }
+    return timed;
 }
 
-void run(const std::vector<row> &rows, const std::regex &filter) {
-    std::printf(columns, "nanoseconds a text", "libzel", "best", "best neighbour", "ratio", "goal");
-    int timed = 0;
-    int missed = 0;
-    for (const row &next : rows) {
-        if (!std::regex_search(next.name, filter))
-            continue;
-        trial with = next.prepare();
-        check(next, with);
-        missed += print(next, with, measure(with)) ? 0 : 1;
-        timed += 1;
-        std::fflush(stdout);
+std::vector<result_of_group> run(const std::vector<group> &groups, const std::regex &filter) {
+    print_head();
+    std::vector<result_of_group> results;
+    for (const group &next : groups) {
+        result_of_group timed = {next.name, next.goal};
+        for (const row &of : next.rows)
+            if (std::regex_search(of.name, filter)) {
+                timed.rows.push_back(time_row(of, next.is_brief));
+                if (!next.is_brief || !is_met(timed.rows.back()))
+                    print_row(timed.rows.back());
+            }
+        results.push_back(timed);
     }
-    std::printf("%d rows, %d miss their goal\n", timed, missed);
+    return results;
 }
 
 } // namespace
 } // namespace bench
 
-// The arguments are options of Google Benchmark, and one regular expression that selects rows.
+// The arguments are options of Google Benchmark, a regular expression that selects rows, and a file that the
+// results go to.
 int main(int argc, char **argv) {
     std::string defaults[] = {"--benchmark_enable_random_interleaving=true", "--benchmark_repetitions=11",
                               "--benchmark_min_time=0.015"};
@@ -185,7 +186,10 @@ int main(int argc, char **argv) {
     bench::start_neighbours();
     try {
         const std::regex filter(count > 1 ? arguments[1] : "", std::regex::icase);
-        bench::run(bench::all_rows(), filter);
+        const std::vector<bench::result_of_group> results = bench::run(bench::all_groups(), filter);
+        bench::print_groups(results);
+        if (count > 2)
+            bench::write_results(results, arguments[2]);
     } catch (const std::exception &failure) {
         std::fprintf(stderr, "%s\n", failure.what());
         return 1;

@@ -114,14 +114,37 @@ void add_conversions(std::vector<row> &rows, const charset_list &charsets,
     }
 }
 
-void add_strings_and_threads(std::vector<row> &rows, const std::string &from, const std::string &to,
-                             const std::string &alphabet) {
-    add(rows, "string, " + from + " > " + to, {{ascii, mixed, dense}, {line}, from, {alphabet}}, all(.60),
-        [=] { return beside(convert_string(from, to), string_neighbours(from, to)); });
-    add(rows, "two threads, " + from + " > " + to, {{mixed}, {line, page}, from, {alphabet}}, all(1.15), [=] {
-        const work convert = convert_buffer(from, to);
-        return std::vector<subject>{{"libzel", convert, 2}, {"one thread", convert}};
-    });
+struct charset_pair {
+    std::string from;
+    std::string to;
+    std::string alphabet;
+};
+
+const charset_pair common_pairs[] = {
+    {"UTF-8", "Shift_JIS", "Shift_JIS"},
+    {"Shift_JIS", "UTF-8", "Shift_JIS"},
+    {"UTF-8", "EUC-KR", "EUC-KR"},
+    {"EUC-KR", "UTF-8", "EUC-KR"},
+    {"UTF-8", "ISO-8859-1", "ISO-8859-1"},
+    {"ISO-8859-1", "UTF-8", "ISO-8859-1"},
+    {"UTF-8", "windows-1252", "windows-1252"},
+    {"windows-1252", "UTF-8", "windows-1252"},
+    {"windows-1252", "ISO-8859-15", "ISO-8859-15"},
+};
+
+void add_strings(std::vector<row> &rows) {
+    for (const auto &[from, to, alphabet] : common_pairs)
+        add(rows, "string, " + from + " > " + to, {{ascii, mixed, dense}, {line}, from, {alphabet}}, all(.60),
+            [from = from, to = to] { return beside(convert_string(from, to), string_neighbours(from, to)); });
+}
+
+void add_threads(std::vector<row> &rows) {
+    for (const auto &[from, to, alphabet] : common_pairs)
+        add(rows, "two threads, " + from + " > " + to, {{mixed}, {line, page}, from, {alphabet}}, all(1.15),
+            [from = from, to = to] {
+                const work convert = convert_buffer(from, to);
+                return std::vector<subject>{{"libzel", convert, 2}, {"one thread", convert}};
+            });
 }
 
 // ICU shifts back to ASCII before anything else, which RFC 1843 has no need of.
@@ -221,7 +244,7 @@ void add_comparisons(std::vector<row> &rows, const std::string &locale, const st
                 texts[i] += '\0' + singles[(i + step) % singles.size()];
         };
         const std::string what = step == 0 ? "comparison of equals, " : "comparison, ";
-        add(rows, what + locale, from, all(.90), subjects, {}, join);
+        add(rows, what + locale, from, all(.72), subjects, {}, join);
     }
 }
 
@@ -248,36 +271,159 @@ void add_byte_work(std::vector<row> &rows) {
           [](const std::string &text) { return without(text, "\r\n"); });
 }
 
+enum class way { from_utf8, to_utf8 };
+
+// The texts are made in UTF-8.
+row convert_row(const std::string &what, way direction, const std::string &charset, const std::string &size,
+                double goal, const std::function<text_pool()> &texts) {
+    const bool is_back = direction == way::to_utf8;
+    const std::string from = is_back ? charset : "UTF-8";
+    const std::string to = is_back ? "UTF-8" : charset;
+    return {what + ", " + from + " > " + to + ", " + size, goal, [=] {
+                return trial{is_back ? encode_texts(texts(), charset) : texts(),
+                             beside(convert_buffer(from, to), converting_neighbours(from, to)),
+                             {}};
+            }};
+}
+
+struct sentence {
+    std::string charset;
+    std::string letter;
+    std::string text;
+};
+
+const sentence sentences[] = {
+    {"Shift_JIS", "漢", "明日の会議は午後3時から、第2会議室で行います。"},
+    {"ISO-2022-JP", "漢", "明日の会議は午後3時から、第2会議室で行います。"},
+    {"EUC-KR", "한", "내일 회의는 오후 3시에 2층 회의실에서 시작합니다. "},
+    {"GB2312", "中", "明天的会议下午3点在二楼会议室开始,请准时参加。"},
+    {"ISO-8859-1", "ä", "Die nächste Sitzung beginnt übermorgen um drei Uhr im größeren Saal. "},
+    {"ISO-8859-5", "Ж", "Следующее собрание начнётся завтра в 3 часа в большом зале. "},
+    {"ISO-8859-7", "α", "Η επόμενη συνεδρίαση αρχίζει αύριο στις 3 στην αίθουσα 2. "},
+};
+
+// Runs of ASCII letters and of others.
+constexpr std::pair<int, int> rhythms[] = {{0, 1}, {1, 1}, {2, 1}, {3, 1}, {5, 1}, {9, 1},
+                                           {1, 2}, {2, 2}, {4, 2}, {1, 3}, {3, 3}, {1, 4},
+                                           {4, 4}, {1, 6}, {6, 6}, {1, 9}, {9, 9}};
+
+std::string rhythm_text(const std::string &letter, int ascii_run, int other_run) {
+    std::string text(static_cast<std::size_t>(ascii_run), 'a');
+    for (int i = 0; i < other_run; ++i)
+        text += letter;
+    return text;
+}
+
+void add_repeated(std::vector<row> &rows, const std::string &what, way direction, const std::string &charset,
+                  const std::string &text) {
+    rows.push_back(convert_row(what, direction, charset, "120 B", 1, [=] { return repeat_text(text, 120); }));
+    rows.push_back(
+        convert_row(what, direction, charset, "4 KiB", 1, [=] { return repeat_text(text, page); }));
+}
+
+void add_rhythms(std::vector<row> &rows, way direction) {
+    for (const sentence &own : sentences)
+        for (const auto &[ascii_run, other_run] : rhythms)
+            add_repeated(rows, "rhythm " + std::to_string(ascii_run) + ":" + std::to_string(other_run),
+                         direction, own.charset, rhythm_text(own.letter, ascii_run, other_run));
+}
+
+void add_sentences(std::vector<row> &rows, way direction) {
+    for (const sentence &own : sentences)
+        add_repeated(rows, "sentence", direction, own.charset, own.text);
+}
+
+struct natural_text {
+    std::string language;
+    std::string charset;
+};
+
+const natural_text natural_texts[] = {
+    {"ja", "Shift_JIS"},    {"ja", "EUC-JP"},     {"ja", "ISO-2022-JP"}, {"ko", "EUC-KR"},
+    {"zh_CN", "GB2312"},    {"zh_TW", "Big5"},    {"de", "ISO-8859-1"},  {"fr", "ISO-8859-15"},
+    {"fr", "windows-1252"}, {"pl", "ISO-8859-2"}, {"tr", "ISO-8859-9"},  {"el", "ISO-8859-7"},
+    {"ru", "ISO-8859-5"},   {"ru", "KOI8-R"},
+};
+
+void add_natural_lines(std::vector<row> &rows, way direction) {
+    for (const natural_text &of : natural_texts)
+        rows.push_back(convert_row("natural " + of.language, direction, of.charset, "lines",
+                                   direction == way::from_utf8 ? .65 : .50,
+                                   [=] { return natural_lines(of.language, of.charset); }));
+}
+
+void add_natural_pieces(std::vector<row> &rows, way direction) {
+    for (const natural_text &of : natural_texts)
+        rows.push_back(convert_row("natural " + of.language, direction, of.charset, "4 KiB",
+                                   direction == way::from_utf8 ? .45 : .30,
+                                   [=] { return natural_pieces(of.language, of.charset, page); }));
+}
+
+void add_sizes(std::vector<row> &rows) {
+    const std::pair<std::string, std::string> pairs[] = {
+        {"UTF-8", "Shift_JIS"}, {"Shift_JIS", "UTF-8"}, {"UTF-8", "ISO-8859-1"}, {"ISO-8859-1", "UTF-8"}};
+    for (const auto &pair : pairs)
+        for (std::size_t size = 16; size <= file; size *= 4)
+            rows.push_back(
+                {"size, " + pair.first + " > " + pair.second + ", " + std::to_string(size) + " B", .70, [=] {
+                     const std::string &charset = pair.first == "UTF-8" ? pair.second : pair.first;
+                     return trial{make_texts({mixed, size, pair.first, {charset}}),
+                                  beside(convert_buffer(pair.first, pair.second),
+                                         converting_neighbours(pair.first, pair.second)),
+                                  {}};
+                 }});
+}
+
+const charset_list double_byte = {"Shift_JIS", "GB2312", "EUC-KR", "Big5", "EUC-JP"};
+
 } // namespace
 
-std::vector<row> all_rows() {
-    std::vector<row> rows;
-    add_byte_work(rows);
-    add_conversions(rows, {"Shift_JIS", "GB2312", "EUC-JP", "ISO-8859-1", "windows-1252"}, {ascii},
-                    {.60, .10, .10}, {.60, .10, .10});
-    add_conversions(rows, {"Shift_JIS", "GB2312", "EUC-KR", "Big5", "EUC-JP"}, {mixed, dense},
-                    {.60, .30, .60}, {.60, .20, .25});
-    add_conversions(rows, {"ISO-8859-1", "ISO-8859-2", "ISO-8859-5", "ISO-8859-7", "windows-1252"},
-                    {mixed, dense}, {.60, .50, .50}, {.60, .50, .50});
-    add_conversions(rows, {"ISO-2022-JP"}, {mixed, dense}, {.60, .30, .30}, {.60, .30, .30});
-    for (const std::string charset : {"Shift_JIS", "EUC-KR", "ISO-8859-1", "windows-1252"}) {
-        add_strings_and_threads(rows, "UTF-8", charset, charset);
-        add_strings_and_threads(rows, charset, "UTF-8", charset);
-    }
-    add_strings_and_threads(rows, "windows-1252", "ISO-8859-15", "ISO-8859-15");
-    add_direct_converters(rows);
-    add_quoted_printable(rows, "pl", "ISO-8859-2");
-    add_quoted_printable(rows, "ru", "ISO-8859-5");
-    add_quoted_printable(rows, "ko", "EUC-KR");
-    add_headers(rows, "el", "ISO-8859-7"); // whose words GMime writes in no other charset
-    add_headers(rows, "ru", "ISO-8859-5");
-    add_headers(rows, "ko", "EUC-KR");
-    add_headers(rows, "ja", "ISO-2022-JP");
-    for (const std::string charset : {"EUC-JP", "EUC-KR", "GB2312", "Shift_JIS", "Big5"})
-        add_validity(rows, charset);
-    add_comparisons(rows, "de", "ISO-8859-1");
-    add_comparisons(rows, "ja", "Shift_JIS");
-    return rows;
+std::vector<group> all_groups() {
+    std::vector<group> groups;
+    const auto open = [&](const std::string &name, double goal = 0,
+                          bool is_brief = false) -> std::vector<row> & {
+        groups.push_back({name, goal, is_brief});
+        return groups.back().rows;
+    };
+    add_byte_work(open("7-bit test, Base64"));
+    add_conversions(open("ASCII text"), {"Shift_JIS", "GB2312", "EUC-JP", "ISO-8859-1", "windows-1252"},
+                    {ascii}, {.60, .10, .10}, {.60, .10, .10});
+    add_conversions(open("double-byte charsets"), double_byte, {mixed, dense}, {.60, .30, .60},
+                    {.60, .20, .25});
+    add_conversions(open("single-byte charsets"),
+                    {"ISO-8859-1", "ISO-8859-2", "ISO-8859-5", "ISO-8859-7", "windows-1252"}, {mixed, dense},
+                    {.60, .50, .50}, {.60, .50, .50});
+    add_conversions(open("ISO-2022-JP"), {"ISO-2022-JP"}, {mixed, dense}, {.60, .30, .30}, {.60, .30, .30});
+    add_strings(open("strings"));
+    add_threads(open("two threads"));
+    add_direct_converters(open("direct converters"));
+    std::vector<row> &quoted = open("quoted-printable");
+    add_quoted_printable(quoted, "pl", "ISO-8859-2");
+    add_quoted_printable(quoted, "ru", "ISO-8859-5");
+    add_quoted_printable(quoted, "ko", "EUC-KR");
+    std::vector<row> &headers = open("headers");
+    add_headers(headers, "el", "ISO-8859-7"); // whose words GMime writes in no other charset
+    add_headers(headers, "ru", "ISO-8859-5");
+    add_headers(headers, "ko", "EUC-KR");
+    add_headers(headers, "ja", "ISO-2022-JP");
+    std::vector<row> &validity = open("validity");
+    for (const std::string &charset : double_byte)
+        add_validity(validity, charset);
+    std::vector<row> &comparison = open("comparison");
+    add_comparisons(comparison, "de", "ISO-8859-1");
+    add_comparisons(comparison, "ja", "Shift_JIS");
+    add_sizes(open("sizes, 16 B to 1 MiB"));
+    add_natural_lines(open("natural lines, from UTF-8", .48), way::from_utf8);
+    add_natural_lines(open("natural lines, to UTF-8", .36), way::to_utf8);
+    add_natural_pieces(open("natural 4 KiB, from UTF-8", .28), way::from_utf8);
+    add_natural_pieces(open("natural 4 KiB, to UTF-8", .20), way::to_utf8);
+    std::vector<row> &repeated = open("sentences", .55);
+    add_sentences(repeated, way::from_utf8);
+    add_sentences(repeated, way::to_utf8);
+    std::vector<row> &regular = open("rhythms", .55, true);
+    add_rhythms(regular, way::from_utf8);
+    add_rhythms(regular, way::to_utf8);
+    return groups;
 }
 
 } // namespace bench

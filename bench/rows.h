@@ -1,4 +1,5 @@
-// The rows of the benchmark: what is timed, on which texts, beside whom, and how fast it is meant to be.
+// The rows of the benchmark, in groups: what is timed, on which texts, beside whom, and how fast it is meant
+// to be.
 //
 // Invariant: a row's texts exist only while it runs.
 
@@ -24,6 +25,15 @@ struct row {
     std::function<trial()> prepare;
 };
 
-std::vector<row> all_rows();
+// Rows that are summed up in one line: the mean of their ratios, which has a goal of its own, and the worst.
+struct group {
+    std::string name;
+    double goal = 0; // of the mean; 0: none
+    bool is_brief =
+        false; // many rows, that are timed for a shorter time; those within their goals are not printed
+    std::vector<row> rows = {};
+};
+
+std::vector<group> all_groups();
 
 } // namespace bench

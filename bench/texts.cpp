@@ -1,5 +1,6 @@
 #include "texts.h"
 
+#include "catalogues.h"
 #include "neighbours.h"
 
 #include <unicode/uchar.h>
@@ -9,37 +10,54 @@
 #include <iterator>
 #include <map>
 #include <random>
+#include <stdexcept>
 
 namespace bench {
 namespace {
 
 constexpr std::size_t pool_size = 512 * 1024;
+constexpr std::size_t repeated_size = 64 * 1024;
+constexpr std::size_t fewest_lines = 1000;
 constexpr std::size_t columns = 70;
 
 using letters = std::vector<std::string>; // each in UTF-8
 
-// What takes three bytes in EUC-JP stays away: no mail is written in it.
-bool holds(const std::vector<subject> &to, const std::vector<subject> &back, std::string letter) {
-    scratch there(letter.size());
-    scratch here(letter.size());
-    std::string code = text_of(to.front().run(letter, there));
-    const auto agrees = [&](std::string &from, const std::string &with) {
-        return [&](const subject &neighbour) { return text_of(neighbour.run(from, here)) == with; };
-    };
-    return code.size() != 3 && std::ranges::all_of(to, agrees(letter, code)) &&
-           std::ranges::all_of(back, agrees(code, letter));
-}
+// What the neighbours make of a text in UTF-8, there and back.
+class round_trip {
+public:
+    explicit round_trip(const std::string &charset)
+        : to_(converting_neighbours("UTF-8", charset)), back_(converting_neighbours(charset, "UTF-8")) {}
 
+    // Empty if they do not agree, or if the text does not come back.
+    std::string code_of(std::string text) const {
+        scratch there(text.size());
+        std::string code = text_of(to_.front().run(text, there));
+        const auto agrees = [&](std::string &from, const std::string &with) {
+            return [&](const subject &neighbour) { return text_of(neighbour.run(from, there)) == with; };
+        };
+        const bool holds =
+            std::ranges::all_of(to_, agrees(text, code)) && std::ranges::all_of(back_, agrees(code, text));
+        return holds ? code : "";
+    }
+
+private:
+    std::vector<subject> to_;
+    std::vector<subject> back_;
+};
+
+// What takes three bytes in EUC-JP stays away: no mail is written in it.
 letters find_letters(const std::string &charset) {
-    const std::vector<subject> to = converting_neighbours("UTF-8", charset);
-    const std::vector<subject> back = converting_neighbours(charset, "UTF-8");
+    const round_trip trip(charset);
     letters found;
     for (UChar32 point = 0x80; point < 0xD800; ++point) {
         char bytes[4];
         std::size_t length = 0;
         U8_APPEND_UNSAFE(bytes, length, point);
         const std::string letter(bytes, length);
-        if (u_isalpha(point) && holds(to, back, letter))
+        if (!u_isalpha(point))
+            continue;
+        const std::string code = trip.code_of(letter);
+        if (!code.empty() && code.size() != 3)
             found.push_back(letter);
     }
     return found;
@@ -121,6 +139,46 @@ text_pool make_texts(const text_order &order) {
     text_pool texts(std::max<std::size_t>(1, pool_size / order.size));
     std::ranges::generate(texts, [&] { return make(length); });
     return texts;
+}
+
+text_pool repeat_text(const std::string &text, std::size_t size) {
+    std::string repeated;
+    while (repeated.size() < size)
+        repeated += text;
+    std::size_t end = size;
+    while (end < repeated.size() && U8_IS_TRAIL(repeated[end]))
+        --end;
+    return text_pool(std::max<std::size_t>(1, repeated_size / size), repeated.substr(0, end));
+}
+
+text_pool natural_lines(const std::string &language, const std::string &charset) {
+    const round_trip trip(charset);
+    text_pool lines = catalogue_lines(language);
+    std::erase_if(lines, [&](const std::string &line) { return trip.code_of(line).empty(); });
+    if (lines.size() < fewest_lines)
+        throw std::runtime_error("too few message catalogues of " + language + " in /usr/share/locale for " +
+                                 charset);
+    return lines;
+}
+
+text_pool natural_pieces(const std::string &language, const std::string &charset, std::size_t size) {
+    text_pool pieces(1);
+    for (const std::string &line : natural_lines(language, charset)) {
+        if (pieces.back().size() >= size)
+            pieces.emplace_back();
+        pieces.back() += line + "\r\n";
+    }
+    pieces.pop_back(); // which may be short
+    return pieces;
+}
+
+text_pool encode_texts(const text_pool &texts, const std::string &charset) {
+    const work encode = converting_neighbours("UTF-8", charset).front().run;
+    scratch to(std::ranges::max(texts, {}, &std::string::size).size());
+    text_pool encoded;
+    for (std::string text : texts)
+        encoded.push_back(text_of(encode(text, to)));
+    return encoded;
 }
 
 } // namespace bench

@@ -1,8 +1,9 @@
-// Texts to measure with: words made by chance, with a fixed seed, out of the characters that a charset holds.
+// Texts to measure with: words made by chance, with a fixed seed, out of the characters that a charset holds;
+// one text repeated; and lines that people wrote.
 //
 // Invariant: all letters outside ASCII go to each charset of the alphabet and back, by ICU and by iconv
-// alike, so that whoever converts such a text has to come to the same bytes. A pool holds half a megabyte or
-// more, which is too much for a branch predictor to learn by heart.
+// alike, so that whoever converts such a text has to come to the same bytes. A pool of texts made by chance
+// holds half a megabyte or more, which is too much for a branch predictor to learn by heart.
 
 #pragma once
 
@@ -34,5 +35,15 @@ struct text_order {
 using text_pool = std::vector<std::string>;
 
 text_pool make_texts(const text_order &order);
+
+// The text again and again, cut at no character, in as many bytes of UTF-8 as the size says; in UTF-8.
+text_pool repeat_text(const std::string &text, std::size_t size);
+
+// Lines of message catalogues that go to the charset and back, by ICU and by iconv alike; in UTF-8.
+text_pool natural_lines(const std::string &language, const std::string &charset);
+// The same lines one behind the other, in pieces of the size or little more.
+text_pool natural_pieces(const std::string &language, const std::string &charset, std::size_t size);
+
+text_pool encode_texts(const text_pool &texts, const std::string &charset);
 
 } // namespace bench
