@@ -165,8 +165,8 @@ std::vector<result_of_group> run(const std::vector<group> &groups, const std::re
 } // namespace
 } // namespace bench
 
-// The arguments are options of Google Benchmark, a regular expression that selects rows, and a file that the
-// results go to.
+// The arguments are the file that the results go to, a regular expression that selects rows (all without it),
+// and options of Google Benchmark.
 int main(int argc, char **argv) {
     std::string defaults[] = {"--benchmark_enable_random_interleaving=true", "--benchmark_repetitions=11",
                               "--benchmark_min_time=0.015"};
@@ -176,7 +176,7 @@ int main(int argc, char **argv) {
     arguments.insert(arguments.end(), argv + 1, argv + argc);
     int count = static_cast<int>(arguments.size());
     benchmark::Initialize(&count, arguments.data());
-    if (count > 2 || (count > 1 && *arguments[1] == '-')) {
+    if (count < 2 || count > 3 || (count > 2 && *arguments[2] == '-')) {
         benchmark::ReportUnrecognizedArguments(count, arguments.data());
         return 2;
     }
@@ -185,11 +185,10 @@ int main(int argc, char **argv) {
     ZEL_Initialize(nullptr, &config);
     bench::start_neighbours();
     try {
-        const std::regex filter(count > 1 ? arguments[1] : "", std::regex::icase);
+        const std::regex filter(count > 2 ? arguments[2] : "", std::regex::icase);
         const std::vector<bench::result_of_group> results = bench::run(bench::all_groups(), filter);
         bench::print_groups(results);
-        if (count > 2)
-            bench::write_results(results, arguments[2]);
+        bench::write_results(results, arguments[1]);
     } catch (const std::exception &failure) {
         std::fprintf(stderr, "%s\n", failure.what());
         return 1;

@@ -244,7 +244,7 @@ void add_comparisons(std::vector<row> &rows, const std::string &locale, const st
                 texts[i] += '\0' + singles[(i + step) % singles.size()];
         };
         const std::string what = step == 0 ? "comparison of equals, " : "comparison, ";
-        add(rows, what + locale, from, all(.72), subjects, {}, join);
+        add(rows, what + locale, from, {.72, .90, .90}, subjects, {}, join);
     }
 }
 
