@@ -1,6 +1,6 @@
 // Calls every function that takes text with texts that look worst to it, at two sizes of which one is twice
-// the other, and leaves the count of instructions of each call to callgrind. linear_time.sh runs it and
-// compares.
+// the other, and conversions with two texts of one size: letters alone, and letters in turn with ASCII. It
+// leaves the count of instructions of each call to callgrind. linear_time.sh runs it and compares.
 
 #include "zel.hpp"
 
@@ -278,13 +278,45 @@ std::string text_of(std::string_view pattern, std::size_t size) {
     return text;
 }
 
-void count(const function &measured, std::size_t pattern, std::size_t size) {
-    std::string text = text_of(patterns[pattern], size);
-    const std::string label =
-        measured.name + std::string("|") + std::to_string(pattern) + "|" + std::to_string(size / half);
+void count(const std::string &label, const std::function<void(char *, std::int32_t)> &call,
+           std::string text) {
     CALLGRIND_ZERO_STATS;
-    measured.call(text.data(), static_cast<std::int32_t>(text.size()));
+    call(text.data(), static_cast<std::int32_t>(text.size()));
     CALLGRIND_DUMP_STATS_AT(label.c_str());
+}
+
+void count_growth(const function &measured) {
+    for (const char *pattern : {"あ ", "é\x83"}) { // what is opened or built once does not count
+        std::string text = text_of(pattern, 8 * half);
+        measured.call(text.data(), static_cast<std::int32_t>(text.size()));
+    }
+    for (std::size_t pattern = 0; pattern < std::size(patterns); ++pattern)
+        for (const std::size_t times : {1, 2})
+            count(measured.name + ("|" + std::to_string(pattern) + "|" + std::to_string(times)),
+                  measured.call, text_of(patterns[pattern], times * half));
+}
+
+struct letter_of_pair {
+    const char *from, *to, *letter;
+};
+
+const letter_of_pair letters[] = {
+    {"UTF-8", "Shift_JIS", "漢"},    {"Shift_JIS", "UTF-8", "\x8A\xBF"}, {"UTF-8", "EUC-KR", "한"},
+    {"EUC-KR", "UTF-8", "\xC7\xD1"}, {"UTF-8", "iso-8859-1", "ä"},       {"iso-8859-1", "UTF-8", "\xE4"},
+    {"UTF-8", "iso-8859-5", "Ж"},    {"iso-8859-5", "UTF-8", "\xB6"},
+};
+
+void count_rhythm(const letter_of_pair &of) {
+    const auto convert = [&](char *text, std::int32_t length) {
+        ZEL_ConvertBuffer(of.from, of.to, text, length, room.data(), 4 * length);
+    };
+    const std::string letter = of.letter;
+    std::string text = text_of(letter, 8 * half);
+    for (int times = 0; times < 2; ++times) // opens converters, and builds the table
+        convert(text.data(), static_cast<std::int32_t>(text.size()));
+    const std::string label = std::string("rhythm|") + of.from + " to " + of.to;
+    count(label + "|1", convert, text_of(letter, half));
+    count(label + "|2", convert, text_of(letter + "a", half));
 }
 
 } // namespace
@@ -294,14 +326,9 @@ int main(int, char **numbers) {
     const std::size_t first = std::stoul(numbers[1]), step = std::stoul(numbers[2]);
     const ZELConfig config = {0, 0, 0, "/nowhere"};
     ZEL_Initialize("/nowhere", &config);
-    for (std::size_t i = first; i < std::size(functions); i += step) {
-        for (const char *pattern : {"あ ", "é\x83"}) { // what is opened or built once does not count
-            std::string text = text_of(pattern, 8 * half);
-            functions[i].call(text.data(), static_cast<std::int32_t>(text.size()));
-        }
-        for (std::size_t pattern = 0; pattern < std::size(patterns); ++pattern)
-            for (const std::size_t size : {half, 2 * half})
-                count(functions[i], pattern, size);
-    }
+    for (std::size_t i = first; i < std::size(functions); i += step)
+        count_growth(functions[i]);
+    for (std::size_t i = first; i < std::size(letters); i += step)
+        count_rhythm(letters[i]);
     return 0;
 }
