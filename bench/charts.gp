@@ -13,10 +13,9 @@ set output directory."ratios.svg"
 set datafile separator tab
 stats results index 1 using 1 nooutput
 groups = STATS_max
-set title "Time of libzel as a share of the best neighbour's"
+set title "Time of libzel as a share of the best neighbour's\n(left of 1 libzel is faster; each small point is a row)"
 set logscale x
 set xrange [0.003:2]
-set xlabel "left of 1 libzel is faster; each point is a row of the benchmark"
 set xtics (".005" 0.005, ".01" 0.01, ".02" 0.02, ".05" 0.05, ".1" 0.1, ".2" 0.2, ".5" 0.5, "1" 1, "2" 2)
 set yrange [-groups - 0.6:-0.4]
 set ytics scale 0

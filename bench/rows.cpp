@@ -395,7 +395,7 @@ std::vector<group> all_groups() {
                     {.60, .50, .50}, {.60, .50, .50});
     add_conversions(open("ISO-2022-JP"), {"ISO-2022-JP"}, {mixed, dense}, {.60, .30, .30}, {.60, .30, .30});
     add_strings(open("strings"));
-    add_threads(open("two threads"));
+    add_threads(open("two threads beside one"));
     add_direct_converters(open("direct converters"));
     std::vector<row> &quoted = open("quoted-printable");
     add_quoted_printable(quoted, "pl", "ISO-8859-2");
