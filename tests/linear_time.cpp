@@ -291,7 +291,7 @@ void count_growth(const function &measured) {
         measured.call(text.data(), static_cast<std::int32_t>(text.size()));
     }
     for (std::size_t pattern = 0; pattern < std::size(patterns); ++pattern)
-        for (const std::size_t times : {1, 2})
+        for (const std::size_t times : {1U, 2U})
             count(measured.name + ("|" + std::to_string(pattern) + "|" + std::to_string(times)),
                   measured.call, text_of(patterns[pattern], times * half));
 }
