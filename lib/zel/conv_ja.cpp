@@ -150,6 +150,7 @@ struct text_to_jis {
 
     status block_step(cursors &at) { return take_chunk(*this, at); }
 
+    // The byte is taken once: where the host converts in place, an escape sequence may overwrite it.
     status scalar_step(cursors &at) {
         const unsigned char byte = take(at);
         const bool is_kanji = Charset::is_kanji(byte);

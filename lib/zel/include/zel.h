@@ -7,6 +7,15 @@
  * conversions of one pair of charsets run side by side. A text that a function writes to ("Writes" below)
  * belongs to that call as long as it lasts. ZEL_ServiceErrorStringInUTF8() alone has one buffer.
  *
+ * **After fork()** a child that was forked while another thread was inside the library may only call exec()
+ * or _exit(): a lock that this thread held is never released in the child. Where no thread was inside, parent
+ * and child both go on, each with a library of its own.
+ *
+ * **After ZEL_Terminate()** it is undefined to call it again, to call check_l10n_dir(),
+ * ZEL_ServiceErrorStringInUTF8() or any function that stops before the start, and to read a string that
+ * belongs to the library. No assertion tells, as ::gf_ZELStatus stays what it is. ZEL_Initialize() changes
+ * nothing then, and all other functions answer as before.
+ *
  * **Text.** A text is a NUL-terminated byte string unless it comes with a length. Lengths, sizes and flags
  * are 32-bit integers; a flag is false for 0 and true for any other value. Lines of
  * wire text end in CR LF.
@@ -34,6 +43,10 @@
  * written past it, unless a function says so: an output that meets the end stops behind the last whole unit
  * (an encoded word, a percent triple, a quoted-printable triple) and is terminated. Sizes that no 32-bit
  * integer holds are given as the largest one.
+ *
+ * **Overlap.** The text and the buffer for the result are two blocks of memory, unless a function says that
+ * one may serve as both. Where they overlap all the same, the result is undefined, but nothing outside of the
+ * two is read or written.
  *
  * **Failures.** Conversions do not report errors. What ICU cannot convert comes back as a copy of the input;
  * a character that the target charset lacks, and a byte sequence that the source charset does not allow, come
@@ -182,7 +195,8 @@ ZEL_API int32_t ZEL_GetResultBufferSize(const char *from_buf, int32_t from_len, 
  * @param from_buf the text; may hold NUL bytes
  * @param from_len its bytes; negative: up to the NUL
  * @param[out] to_buf the converted text. ICU may fill it to the last byte, and then there is no terminator:
- *   go by the length, or give a byte more than ZEL_GetResultBufferSize() asks for
+ *   go by the length, or give a byte more than ZEL_GetResultBufferSize() asks for. It may be `from_buf`, but
+ *   what does not fit then leaves no text to copy
  * @param to_size size of `to_buf`, from ZEL_GetResultBufferSize(); no size is asked for here
  * @return the length of the result; 0 with `to_buf` untouched if ICU has no converter for the pair
  *
@@ -274,6 +288,9 @@ ZEL_API char *ZEL_UTF8ToEscapedUnicode(const char *text, int32_t mode);
  * escape sequence, a pair, a byte) that does, maybe inside a run of double-byte text. A pair that the end of
  * the text cuts off has a 0 for its second byte. Where 7-bit text holds a byte of 0x80 or above,
  * ZELConfig::pass_8bit decides.
+ *
+ * `to_buf` may be `from_buf` in jis2sjis(), iso2022kr2euckr(), hz2gb(), big2gb() and gb2big5(), which read a
+ * character before they write over it; in eucjp2jis(), sjis2jis() and jis2eucjp() it may not.
  * @{
  */
 
@@ -477,6 +494,7 @@ ZEL_API const char *ZEL_ServiceErrorStringInUTF8(int32_t code);
 
 /**
  * @defgroup zel_encoders Transfer encoding
+ * The text and the buffer may not overlap.
  * @{
  */
 
@@ -497,7 +515,8 @@ ZEL_API int32_t ZEL_ApplyBase64Encoding(const char *from_buf, int32_t from_len, 
 
 /**
  * @defgroup zel_headers Message headers
- * Header values to and from RFC 2047 encoded words, parameters to and from RFC 2231.
+ * Header values to and from RFC 2047 encoded words, parameters to and from RFC 2231. Texts and buffers may
+ * not overlap.
  * @{
  */
 
@@ -607,7 +626,8 @@ ZEL_API int32_t ZEL_RFC2231ToLocal(const char *language, const char *text, const
 /**
  * @defgroup zel_bodies Message bodies and vCard values
  * Bodies on their way out get a charset and, where the language calls for it, quoted-printable; bodies on
- * their way in are brought into a charset, with their transfer encoding already undone by the host.
+ * their way in are brought into a charset, with their transfer encoding already undone by the host. Texts and
+ * buffers may not overlap.
  * @{
  */
 

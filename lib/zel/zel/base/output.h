@@ -43,11 +43,12 @@ inline bool fits(const output &to, std::size_t bytes) {
     return bytes < to.size - to.length;
 }
 
+// The unit may stand in the buffer that it is put into, as a host may have its text there.
 inline bool put(output &to, std::string_view unit) {
     if (!fits(to, unit.size()))
         return false;
     if (to.start && !unit.empty())
-        std::memcpy(to.start + to.length, unit.data(), unit.size());
+        std::memmove(to.start + to.length, unit.data(), unit.size());
     to.length += unit.size();
     return true;
 }
