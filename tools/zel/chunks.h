@@ -1,13 +1,12 @@
 // A file as a row of chunks that can be converted each on its own: a chunk ends where nothing has to be
 // remembered of it but what the next one is told.
 //
-//     no states          behind a line feed or a blank; where there is none, behind a character
-//     marks              the same; the chunks behind the first bear the name that the mark stands for
-//     escape sequences   behind a line feed, which ends all but one of the states of ISO-2022-JP; the chunk
-//     behind
-//                        opens with that one's escape sequence
-//     UTF-32             the same, read as UTF-8: the library takes too little room for characters above
-//     U+FFFF whole              at the end of the file, which may not be longer than 64 MiB
+//     no states         behind a line feed or a blank; where there is none, behind a character
+//     marks             the same; from the second on, under the name that the mark stands for
+//     UTF-32            the same, read as UTF-8: the library has no room for many characters above U+FFFF
+//     ISO-2022-JP       behind a line feed, which ends all of its states but one; the next chunk opens with
+//                       the escape sequence of that one
+//     read whole        at the end of the file, which may not be longer than 64 MiB
 //
 // Invariant: the chunks without what was put before them are the file, byte for byte.
 

@@ -28,9 +28,9 @@ private:
     void write(std::string_view converted);
 
     charset from_, to_;
-    std::string to_charset_; // without a mark once one is written
-    repertoire characters_;
     bool same_, by_table_;
+    std::string to_charset_; // without a mark once one is written
+    repertoire characters_;  // of what is copied, each character is held
     std::string detour_;
     std::unique_ptr<char[]> buffer_;
     std::size_t size_ = 0, length_ = 0;
@@ -46,8 +46,9 @@ bool goes_by_table(const std::string &from_charset, const std::string &to_charse
 }
 
 conversion::conversion(const std::string &from_charset, const std::string &to_charset)
-    : from_(learn(from_charset)), to_(learn(to_charset)), to_charset_(to_charset), characters_(to_),
-      same_(same_name(from_charset, to_charset)), by_table_(goes_by_table(from_charset, to_charset)) {}
+    : from_(learn(from_charset)), to_(learn(to_charset)), same_(same_name(from_charset, to_charset)),
+      by_table_(goes_by_table(from_charset, to_charset)), to_charset_(to_charset),
+      characters_(same_ ? learn("UTF-8") : to_) {}
 
 void conversion::append(const chunk &piece, std::string_view text) {
     if (!text.empty())

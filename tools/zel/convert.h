@@ -3,7 +3,8 @@
 //     file -> chunk -> ZEL_ConvertBuffer -> standard output
 //                 \-> find_losses, where the output holds what stands for a lost character -> stderr
 //
-// Invariant: the output is that of the files in one piece, but that UTF-16 and UTF-32 get one mark in all.
+// Invariant: the output says what that of the files in one piece would. UTF-16 and UTF-32 get one mark in
+// all.
 
 #pragma once
 

@@ -64,7 +64,7 @@ void write_out(std::string_view bytes) {
 }
 
 void close_out() {
-    if (std::fclose(stdout) != 0)
+    if (std::fflush(stdout) != 0 || close(STDOUT_FILENO) != 0)
         throw output_error(errno);
 }
 

@@ -22,6 +22,8 @@ void add(std::vector<std::string> &list, const std::string &text) {
 
 // Without a branch, and all in bytes, so that the compiler compares many places at once.
 bool holds_pair(std::string_view text, char first, char second) {
+    if (text.empty())
+        return false;
     const char *one = text.data(), *other = text.data() + 1;
     unsigned char differ = 0xFF;
     for (std::size_t at = 0; at + 1 < text.size(); ++at) {
@@ -37,7 +39,7 @@ bool holds_bytes(std::string_view text, const std::string &bytes) {
     return holds_pair(text, bytes[0], bytes[1]) && (bytes.size() == 2 || text.find(bytes) != text.npos);
 }
 
-// Some charsets have a substitute of its own for characters up to U+00FF.
+// Some charsets have a substitute of their own for characters up to U+00FF.
 std::vector<std::string> substitutes_of(const std::string &charset) {
     std::vector<std::string> met, met_again;
     const auto meet = [&](char32_t code) {
@@ -111,11 +113,11 @@ void replace(std::string &text, const charset &of, char32_t code, char32_t other
             text.replace(at, bytes.size(), others);
 }
 
+// For U+FFFD: no text holds it, and charsets that lack the one lack the other.
+constexpr char32_t stand_in = 0xFFFF;
+
 // What ICU reads in place of a broken sequence may be in the text as a character too. That one gives place to
 // another of its size and fate, so that all which is read is for broken sequences.
-constexpr char32_t stand_in =
-    0xFFFF; // of U+FFFD, as no text holds it, and no charset but those of all Unicode
-
 std::string without_substitutes(std::string text, const charset &from) {
     if (from.kept == states::others)
         return text;

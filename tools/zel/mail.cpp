@@ -4,10 +4,12 @@
 #include "files.h"
 #include "report.h"
 #include "texts.h"
+#include "wire.h"
 
 #include <zel.hpp>
 
 #include <algorithm>
+#include <set>
 
 namespace tool {
 namespace {
@@ -17,10 +19,15 @@ std::string without_cr(std::string wire) {
     return wire;
 }
 
-std::string unfolded(std::string text) {
-    for (std::size_t at = 0; (at = text.find("\r\n", at)) != text.npos;)
-        text.erase(at, 2);
-    return on_one_line(std::move(text));
+// The blank behind a fold stays.
+std::string unfolded(std::string_view text) {
+    std::string line;
+    for (std::size_t at = 0; at < text.size(); ++at)
+        if (text.substr(at, 2) == "\r\n")
+            ++at;
+        else
+            line += text[at];
+    return on_one_line(line);
 }
 
 void put_wire(const std::string &wire) {
@@ -31,62 +38,29 @@ bool holds(std::string_view text, std::string_view other) {
     return text.find(other) != text.npos;
 }
 
-struct encoded_word {
-    std::string_view whole, charset;
-};
-
-std::vector<encoded_word> words_of(std::string_view value) {
-    std::vector<encoded_word> words;
-    for (std::size_t at = 0; (at = value.find("=?", at)) != value.npos;) {
-        const std::size_t mark = value.find('?', at + 2);
-        const std::size_t end = mark == value.npos ? mark : value.find("?=", mark + 3);
-        if (end == value.npos)
-            break;
-        const std::string_view charset = value.substr(at + 2, mark - at - 2);
-        if (value[mark + 2] == '?' && !charset.empty() && charset.find_first_of(" \t") == charset.npos) {
-            words.push_back({value.substr(at, end + 2 - at), charset.substr(0, charset.find('*'))});
-            at = end + 2;
-        } else {
-            at += 2;
-        }
-    }
-    return words;
-}
-
-// The decoders leave what they cannot read as it stands, without a word.
-std::string what_is_unread(const std::string &language, std::string_view value, std::string_view text) {
-    for (const encoded_word &word : words_of(language.empty() ? text : value)) {
-        if (!language.empty() && !zel::admits(language, word.charset))
-            return std::string(word.charset) + " is not admitted for " + language;
-        if (language.empty() && holds(value, word.whole))
+// The decoders leave what they cannot read as it stands, without a word of it.
+std::string what_is_unread(std::string_view value, std::string_view text) {
+    std::set<std::string_view> given;
+    for (const encoded_word &word : words_of(value))
+        given.insert(word.whole);
+    for (const encoded_word &word : words_of(text))
+        if (given.count(word.whole))
             return "an encoded word in " + std::string(word.charset) + " cannot be read";
-    }
     const std::string unknown = utf8(replacement);
     return holds(text, unknown) && !holds(value, unknown) ? "characters that cannot be read" : "";
 }
 
-// Of a header value, each once.
-std::vector<std::string> parameter_names(std::string_view value) {
-    std::vector<std::string> names;
-    for (bool quoted = false; !value.empty();) {
-        std::size_t end = 0;
-        for (; end < value.size() && (quoted || value[end] != ';'); ++end)
-            quoted ^= value[end] == '"';
-        const std::string_view parameter = value.substr(0, end);
-        value.remove_prefix(std::min(end + 1, value.size()));
-        const std::size_t first = std::min(parameter.find_first_not_of(" \t\r\n"), parameter.size());
-        const std::size_t last = parameter.find_first_of("*= \t", first);
-        std::string name(parameter.substr(first, last - first));
-        if (holds(parameter, "=") && std::find(names.begin(), names.end(), name) == names.end())
-            names.push_back(name);
-    }
-    return names;
+// Or they take the frame off it.
+std::string what_is_not_admitted(const std::string &language, std::string_view value) {
+    for (const encoded_word &word : words_of(value))
+        if (!zel::admits(language, word.charset))
+            return std::string(word.charset) + " is not admitted for " + language;
+    return "";
 }
 
-void report_unread(const given_text &given, const std::string &language, std::string_view text) {
-    const std::string reason = what_is_unread(language, given.text, text);
+void report_if(const std::string &place, const std::string &reason) {
     if (!reason.empty())
-        report(given.place, reason);
+        report(place, reason);
 }
 
 } // namespace
@@ -96,7 +70,8 @@ void decode_headers(const std::string &language, const std::string &to_charset, 
     each_header(values, [&](const given_text &given) {
         const std::string text =
             language.empty() ? zel::read_header(given.text) : zel::decode_header(language, given.text);
-        report_unread(given, language, text);
+        report_if(given.place, language.empty() ? what_is_unread(given.text, text)
+                                                : what_is_not_admitted(language, given.text));
         output.put(given.place, without_controls(text));
     });
 }
@@ -118,9 +93,9 @@ void decode_parameters(const std::string &to_charset, const texts &values) {
         // A value alone, as it stands behind the name.
         const bool is_named = holds(given.text, "=");
         const std::string value = is_named ? given.text : "value*=" + given.text;
-        for (const std::string &name : parameter_names(value)) {
-            const std::string text = zel::read_parameter(value, name).value_or("");
-            report_unread(given, "", text);
+        for (const parameter &each : parameters_of(value)) {
+            const std::string text = zel::read_parameter(each.parts, each.name).value_or("");
+            report_if(given.place, what_is_unread(each.parts, text));
             output.put(given.place, without_controls(text));
         }
     });

@@ -32,8 +32,13 @@ struct options {
 };
 
 std::string charset_fault(const std::string &name) {
-    const bool known = !name.empty() && (zel::can_convert(name, "UTF-8") || zel::known_charset(name));
+    const bool known = !name.empty() && zel::can_convert(name, "UTF-8");
     return known ? "" : "there is no charset \"" + name + "\"";
+}
+
+// What mailers call charsets is more than what ICU does.
+std::string label_fault(const std::string &name) {
+    return zel::known_charset(name) ? "" : charset_fault(name);
 }
 
 std::string language_fault(const std::string &tag) {
@@ -107,7 +112,10 @@ void add_bodies(CLI::App &app, options &given) {
     CLI::App *decode = add_command(app, "decode-body", "Read a body whose transfer encoding is undone", [&] {
         tool::decode_body(given.language, given.charset, given.to_charset);
     });
-    add_charset(decode, "-c", given.charset, "charset of standard input")->required();
+    decode->add_option("-c", given.charset, "charset of standard input")
+        ->type_name("CHARSET")
+        ->check(label_fault)
+        ->required();
     add_language(decode, given, "read as a host in the language would");
     add_target(decode, given);
 
@@ -180,7 +188,9 @@ int run(int argc, char **argv) {
         app.parse(argc, argv);
         tool::close_out();
     } catch (const CLI::ParseError &fault) {
-        return app.exit(fault) == 0 ? 0 : wrong_use;
+        const bool asked_for_help = app.exit(fault) == 0;
+        tool::close_out();
+        return asked_for_help ? 0 : wrong_use;
     }
     return tool::exit_code();
 }
