@@ -1,6 +1,6 @@
 # What a host gets: the libraries, their headers, zel.pc, a CMake package, and the default bundle; and the program with
-# its manual page and its completion for bash. Everything is found
-# from the place of the installed files themselves, so an installed tree can be moved.
+# its manual page and its completion for bash. Everything is found from the place of the installed files themselves, so
+# an installed tree can be moved.
 
 include(CMakePackageConfigHelpers)
 
@@ -21,7 +21,7 @@ if(ZEL_TOOLS)
     install(FILES docs/zel-compile-bundle.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT development)
 endif()
 
-if(TARGET zel_program)
+if(ZEL_TOOLS AND TARGET zel_program)
     install(TARGETS zel_program RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT program)
     install(FILES docs/zel.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT program)
     install(FILES tools/zel/completion.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME zel

@@ -33,7 +33,7 @@ int32_t compare(const std::string &first, const std::string &second) {
 }
 
 TEST(Collation, sees_what_stands_before_and_behind_marks_however_many) {
-    for (const std::size_t pairs : {1, 15, 128, 129, 20000}) {
+    for (const std::size_t pairs : {1U, 15U, 128U, 129U, 20000U}) {
         const std::string marks = repeated("\u0301\u0316", pairs);
         EXPECT_EQ(compare("a" + marks + "b", "a" + marks + "c"), -1);
         EXPECT_EQ(compare("a" + marks, "A" + marks), -1);
@@ -80,7 +80,7 @@ TEST(HeaderComparison, reaches_the_last_letter_of_a_text_that_is_longer_than_its
                 {"el", "iso-8859-7", "\xE1", "\xE2"},
                 {"th", "tis-620", "\xA1", "\xA2"}};
     for (const auto &row : rows)
-        for (const std::size_t letters : {12, 36, 1000, 1024, 5000}) {
+        for (const std::size_t letters : {12U, 36U, 1000U, 1024U, 5000U}) {
             const std::string text = std::string("=?") + row.charset + "?Q?" + repeated(row.letter, letters);
             EXPECT_EQ(compare_headers(row.language, text + "?=", text + row.next_letter + "?="), -1) << text;
             EXPECT_EQ(compare_headers(row.language, text + row.next_letter + "?=", text + row.letter + "?="),

@@ -78,7 +78,7 @@ utf16_text broken(const std::u16string &text) {
 
 TEST(LongRuns, are_broken_wherever_they_stand_and_no_others) {
     for (const std::u16string mark : {u"\u0301", u"\u0F71", u"\u0F73", u"\U0001D165"})
-        for (const std::size_t count : {30, 256, 257, 600})
+        for (const std::size_t count : {30U, 256U, 257U, 600U})
             for (std::size_t before = 0; before < 520; before += 1 + before / 4) {
                 std::u16string text(before, u'a'), expected = text;
                 for (std::size_t number = 1; number <= count; ++number) {

@@ -12,10 +12,10 @@
 namespace zel {
 namespace {
 
-using word = std::uint64_t;
+using hash_word = std::uint64_t;
 
 struct secret_factors {
-    word first, second;
+    hash_word first, second;
 };
 
 // Linux gives each process 16 random bytes, so that nothing can fail here.
@@ -35,13 +35,13 @@ constexpr std::array<unsigned char, 256> small_letters = [] {
     return letters;
 }();
 
-word mix(word hash, word bytes) {
+hash_word mix(hash_word hash, hash_word bytes) {
     return std::rotl((hash ^ bytes) * secret.first, 32) * secret.second;
 }
 
-word take_name(word hash, const char *name) {
+hash_word take_name(hash_word hash, const char *name) {
     for (;;) {
-        word bytes = 0;
+        hash_word bytes = 0;
         for (std::size_t i = 0; i < sizeof bytes; ++i, ++name) {
             if (!*name)
                 return mix(hash, bytes);

@@ -28,7 +28,7 @@ bool keeps(UConverter *from_cnv, UConverter *to_cnv, char byte) {
     return U_SUCCESS(status) && put == count && std::equal(bytes, bytes + count, text);
 }
 
-ascii_identity kept_ascii(UConverter *from_cnv, UConverter *to_cnv) {
+ascii_identity ascii_kept_by(UConverter *from_cnv, UConverter *to_cnv) {
     ascii_identity kept;
     for (unsigned value = 0; value < kept.size(); ++value) {
         kept[value] = keeps(from_cnv, to_cnv, static_cast<char>(value));
@@ -59,7 +59,7 @@ status transcode(const fast_path &path, cursors &at) {
 } // namespace
 
 void prepare(fast_path &path, UConverter *from_cnv, UConverter *to_cnv) {
-    path.kept = kept_ascii(from_cnv, to_cnv);
+    path.kept = ascii_kept_by(from_cnv, to_cnv);
     if (path.kept.none())
         return;
     const charset_kind from = kind_of(from_cnv), to = kind_of(to_cnv);

@@ -31,12 +31,12 @@ void store_slots(unsigned char *slots, const block64 &block) {
 }
 
 // The two bytes at each place of a block as a number, the first byte highest.
-void store_pair_numbers(std::uint16_t *numbers, const block64 &block) {
+void store_pair_numbers(std::uint16_t *pair_numbers, const block64 &block) {
     for (std::size_t i = 0; i < std::size(block.vectors); ++i) {
         const vector_bytes next = i + 1 < std::size(block.vectors) ? block.vectors[i + 1] : vector_bytes{};
         const vector_pair both = numbers_of(moved_down<1>(block.vectors[i], next), block.vectors[i]);
-        store_vector(numbers + i * vector_size, both.first);
-        store_vector(numbers + i * vector_size + vector_size / 2, both.last);
+        store_vector(pair_numbers + i * vector_size, both.first);
+        store_vector(pair_numbers + i * vector_size + vector_size / 2, both.last);
     }
 }
 
@@ -50,12 +50,12 @@ struct from_double_bytes {
 
     // Gives what the bytes of all characters have in common, bit by bit.
     utf8_character store_characters(unsigned char *slots, const block64 &block, bitmask64 leads) const {
-        std::uint16_t numbers[block_size];
-        store_pair_numbers(numbers, block);
+        std::uint16_t pair_numbers[block_size];
+        store_pair_numbers(pair_numbers, block);
         std::uint32_t common = ~std::uint32_t{0};
         for (; leads; leads = without_first(leads)) {
             const std::size_t place = first_of(leads);
-            const utf8_character &character = table->pairs[numbers[place]];
+            const utf8_character &character = table->pairs[pair_numbers[place]];
             std::memcpy(slots + 2 * place, &character, sizeof character);
             common &= std::bit_cast<std::uint32_t>(character);
         }

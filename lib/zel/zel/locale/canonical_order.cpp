@@ -37,8 +37,8 @@ constexpr const char *charsets_without_marks[] = {
     ianaISO8859_7, ianaISO8859_9, ianaISO8859_15, ianaWINDOWS1252, ianaSHIFTJIS,
     ianaEUCJP,     ianaEUCKR,     ianaGB2312,     ianaBIG5};
 
-constexpr std::int32_t longest_run = 256; // marks
-constexpr std::int32_t longest_part = 30; // of a run that is broken
+constexpr std::int32_t longest_mark_run = 256; // marks
+constexpr std::int32_t longest_part = 30;      // of a run that is broken
 constexpr UChar combining_grapheme_joiner = 0x034F;
 
 UChar32 take_next(const utf16_text &text, std::int32_t &at) {
@@ -74,17 +74,17 @@ bool is_in_long_run(const utf16_text &text, std::int32_t place) {
         return false;
     U16_SET_CP_START(text.units.get(), 0, place);
     std::int32_t behind = place;
-    std::int32_t marks = skip_marks(text, behind, longest_run + 1);
+    std::int32_t marks = skip_marks(text, behind, longest_mark_run + 1);
     if (marks == 0)
         return false;
-    while (marks <= longest_run && place > 0 && is_mark(take_previous(text, place)))
+    while (marks <= longest_mark_run && place > 0 && is_mark(take_previous(text, place)))
         ++marks;
-    return marks > longest_run;
+    return marks > longest_mark_run;
 }
 
 // A mark has a unit at least, so no such run lies between two of the places.
 bool holds_long_run(const utf16_text &text) {
-    for (std::int32_t place = longest_run; place < text.length; place += longest_run)
+    for (std::int32_t place = longest_mark_run; place < text.length; place += longest_mark_run)
         if (is_in_long_run(text, place))
             return true;
     return false;
@@ -119,7 +119,7 @@ utf16_text break_long_runs(utf16_text text) {
     for (std::int32_t at = 0; at < text.length;) {
         std::int32_t end = at;
         const std::int32_t marks = skip_marks(text, end, text.length);
-        for (std::int32_t parts = marks > longest_run ? marks / longest_part : 0; parts > 0; --parts) {
+        for (std::int32_t parts = marks > longest_mark_run ? marks / longest_part : 0; parts > 0; --parts) {
             const std::int32_t start = at;
             skip_marks(text, at, longest_part);
             to = std::copy(units + start, units + at, to);
