@@ -5,7 +5,6 @@
 
 #include "zel/base/frame.h"
 
-#include <atomic>
 #include <cstdio>
 
 extern "C" {
@@ -20,15 +19,6 @@ namespace zel {
 char bundles_path[path_capacity] = "";
 char encLocal[charset_capacity] = "";
 
-namespace {
-
-// The host may store into the word while threads are inside.
-int32_t status_word() {
-    return std::atomic_ref<int32_t>(gf_ZELStatus).load(std::memory_order_relaxed);
-}
-
-} // namespace
-
 held_lock hold(PRRWLock *lock) {
     PR_RWLock_Wlock(lock);
     return held_lock(lock);
@@ -38,19 +28,6 @@ void fail_assertion(const char *expression, const char *source) {
     std::fprintf(stderr, "%s: assertion failed: %s\n", source, expression);
     std::fflush(stderr);
     std::abort();
-}
-
-bool has_started() {
-    return status_word() != ZEL_STATUS_NOT_INITIALIZED;
-}
-
-void require_started() {
-    if (!has_started())
-        fail_assertion("gf_ZELStatus != ZEL_STATUS_NOT_INITIALIZED", "zel");
-}
-
-bool passes_through() {
-    return status_word() == ZEL_STATUS_PASSTHROUGH;
 }
 
 bool passes_8bit() {

@@ -11,6 +11,8 @@
 
 #include <prrwlock.h>
 
+#include <atomic>
+
 namespace zel {
 
 inline constexpr std::size_t path_capacity = 1024;
@@ -26,9 +28,24 @@ held_lock hold(PRRWLock *lock);
 // Contract violations stop the process in every build type.
 [[noreturn]] void fail_assertion(const char *expression, const char *source);
 
-bool has_started();
-void require_started();
-bool passes_through();
+// The host may store into the word while threads are inside.
+inline std::int32_t status_word() {
+    return std::atomic_ref<std::int32_t>(gf_ZELStatus).load(std::memory_order_relaxed);
+}
+
+inline bool has_started() {
+    return status_word() != ZEL_STATUS_NOT_INITIALIZED;
+}
+
+inline void require_started() {
+    if (!has_started()) [[unlikely]]
+        fail_assertion("gf_ZELStatus != ZEL_STATUS_NOT_INITIALIZED", "zel");
+}
+
+inline bool passes_through() {
+    return status_word() == ZEL_STATUS_PASSTHROUGH;
+}
+
 bool passes_8bit();
 
 inline const char *or_local_charset(const char *charset) {

@@ -120,17 +120,28 @@ lent_converter borrow_for(const charset_pair &pair, std::string_view text) {
     return borrow_converter(pair.from_charset, pair.to_charset);
 }
 
+// What a thread looked up last, it mostly looks up again. It is a pair of the cache that no route serves; such
+// a record lives until the stop.
+thread_local EncodingConverter *last_pair = nullptr;
+
+bool is_last_pair(const char *from_charset, const char *to_charset) {
+    return last_pair && std::strcmp(last_pair->from_name.get(), from_charset) == 0 &&
+           std::strcmp(last_pair->to_name.get(), to_charset) == 0;
+}
+
 } // namespace
 
 charset_pair look_up(const char *from_charset, const char *to_charset) {
     require_started();
-    charset_pair pair = {from_charset, to_charset, false, nullptr, nullptr};
-    pair.same = passes_through() || same_name(from_charset, to_charset);
-    if (!pair.same)
-        pair.direct = find_route(scope::buffers, from_charset, to_charset);
-    if (!pair.same && !pair.direct)
-        pair.cached = find_pair(from_charset, to_charset);
-    return pair;
+    if (passes_through())
+        return {from_charset, to_charset, true, nullptr, nullptr};
+    if (is_last_pair(from_charset, to_charset))
+        return {from_charset, to_charset, false, nullptr, last_pair};
+    if (same_name(from_charset, to_charset))
+        return {from_charset, to_charset, true, nullptr, nullptr};
+    if (const route *direct = find_route(scope::buffers, from_charset, to_charset))
+        return {from_charset, to_charset, false, direct, nullptr};
+    return {from_charset, to_charset, false, nullptr, last_pair = find_pair(from_charset, to_charset)};
 }
 
 bool is_known(const charset_pair &pair) {

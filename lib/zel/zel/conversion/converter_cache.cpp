@@ -128,29 +128,10 @@ void discard_pair(EncodingConverter *pair) {
 
 } // namespace
 
-namespace {
-
-// What a thread asked for last, it mostly asks for again. A pair lives until the stop, so the pointer stays
-// good.
-thread_local EncodingConverter *last_pair = nullptr;
-
-bool is_last_pair(const char *from_charset, const char *to_charset) {
-    return last_pair && std::strcmp(last_pair->from_name.get(), from_charset) == 0 &&
-           std::strcmp(last_pair->to_name.get(), to_charset) == 0;
-}
-
-} // namespace
-
 EncodingConverter *find_pair(const char *from_charset, const char *to_charset) {
-    if (is_last_pair(from_charset, to_charset))
-        return last_pair;
-    EncodingConverter *found =
-        find_record(pair_index, hash_names(from_charset, to_charset), [=](const EncodingConverter &pair) {
-            return are_same(pair.from_name.get(), from_charset) && are_same(pair.to_name.get(), to_charset);
-        });
-    if (found)
-        last_pair = found;
-    return found;
+    return find_record(pair_index, hash_names(from_charset, to_charset), [=](const EncodingConverter &pair) {
+        return are_same(pair.from_name.get(), from_charset) && are_same(pair.to_name.get(), to_charset);
+    });
 }
 
 EncodingConverter *load_encodingconverter(const char *from_charset, const char *to_charset) {
