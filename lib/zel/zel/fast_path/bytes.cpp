@@ -47,7 +47,7 @@ struct kept_ascii {
         const block64 block = load_block(at.from);
         if (has_any(block, are_not_kept<Kept>))
             return status::declined;
-        copy_kept_blocks<Kept>(at, block);
+        copy_kept<Kept>(at, block);
         return status::done;
     }
 
@@ -61,18 +61,13 @@ struct kept_ascii {
 
 } // namespace
 
-status transcode_bytes(const byte_table &table, cursors &at) {
-    by_byte_table each = {&table};
-    return transcode(each, at);
+transcoded transcode_bytes(const byte_table &table, std::string_view text, buffer to) {
+    return transcode_by_kernel<by_byte_table>(table, text, to);
 }
 
-status transcode_ascii(const ascii_identity &kept, cursors &at) {
-    if (kept.all()) {
-        kept_ascii<ascii::all> each = {&kept};
-        return transcode(each, at);
-    }
-    kept_ascii<ascii::plain_text> each = {&kept};
-    return transcode(each, at);
+transcoded transcode_ascii(const ascii_identity &kept, std::string_view text, buffer to) {
+    return kept.all() ? transcode_by_kernel<kept_ascii<ascii::all>>(kept, text, to)
+                      : transcode_by_kernel<kept_ascii<ascii::plain_text>>(kept, text, to);
 }
 
 } // namespace zel

@@ -48,12 +48,13 @@ const char *name_of(const UConverter *cnv) {
     return ucnv_getName(cnv, &status);
 }
 
-status transcode(const fast_path &path, cursors &at) {
+transcoded transcode(const fast_path &path, std::string_view text, buffer to) {
     if (const code_table *table = table_of(path.characters))
-        return path.is_from_utf8 ? transcode_from_utf8(*table, at) : transcode_to_utf8(*table, at);
+        return path.is_from_utf8 ? transcode_from_utf8(*table, text, to)
+                                 : transcode_to_utf8(*table, text, to);
     if (const byte_table *table = table_of(path.bytes))
-        return transcode_bytes(*table, at);
-    return transcode_ascii(path.kept, at);
+        return transcode_bytes(*table, text, to);
+    return transcode_ascii(path.kept, text, to);
 }
 
 } // namespace
@@ -79,13 +80,11 @@ status convert(const fast_path &path, std::string_view text, char *to_buf, std::
     // ICU takes all of the text in before it writes, and so it may convert in place.
     if (overlap(text, {to_buf, static_cast<std::size_t>(to_size)}))
         return status::needs_icu;
-    auto *from = reinterpret_cast<const unsigned char *>(text.data());
-    auto *to = reinterpret_cast<unsigned char *>(to_buf);
-    cursors at = {from, from + text.size(), to, to + to_size};
-    const status answer = transcode(path, at);
-    length = static_cast<std::int32_t>(at.to - to);
-    if (answer == status::done && at.to != at.to_end)
-        *at.to = '\0';
+    const buffer to(reinterpret_cast<unsigned char *>(to_buf), static_cast<std::size_t>(to_size));
+    const auto [answer, end] = transcode(path, text, to);
+    length = static_cast<std::int32_t>(end - to.data());
+    if (answer == status::done && length < to_size)
+        *end = '\0';
     return answer;
 }
 

@@ -50,7 +50,7 @@ struct from_utf8 {
         if (Kept == ascii::plain_text && has_any(block, are_special_controls)) [[unlikely]]
             return status::declined;
         if (!shape.high) {
-            copy_kept_blocks<Kept>(at, block);
+            copy_kept<Kept>(at, block);
             return status::done;
         }
         const std::size_t length = whole_characters(shape, left(at));
@@ -89,13 +89,13 @@ using to_double_bytes_plain = from_utf8<false, ascii::plain_text, Set>;
 
 } // namespace
 
-status transcode_from_utf8(const code_table &table, cursors &at) {
+transcoded transcode_from_utf8(const code_table &table, std::string_view text, buffer to) {
     if (table.kind == charset_kind::iso2022jp)
-        return transcode_utf8_to_jis(table, at);
+        return transcode_utf8_to_jis(table, text, to);
     if (!table.keeps_ascii)
-        return transcode_by<to_double_bytes_plain>(table, at);
-    return table.kind == charset_kind::single_byte ? transcode_by<to_single_bytes>(table, at)
-                                                   : transcode_by<to_double_bytes>(table, at);
+        return transcode_by<to_double_bytes_plain>(table, text, to);
+    return table.kind == charset_kind::single_byte ? transcode_by<to_single_bytes>(table, text, to)
+                                                   : transcode_by<to_double_bytes>(table, text, to);
 }
 
 } // namespace zel

@@ -68,7 +68,7 @@ struct jis_to_utf8 {
         const block64 block = load_block(at.from);
         if (in_pairs || has_any(block, ends_singles))
             return take_chunk(*this, at);
-        copy_kept_blocks<ascii::plain_text>(at, block);
+        copy_kept<ascii::plain_text>(at, block);
         return status::done;
     }
 
@@ -138,7 +138,7 @@ struct utf8_to_jis {
         if (has_any(block, are_special_controls) || !is_well_formed(shape)) [[unlikely]]
             return status::declined;
         if (!shape.high && !writer.in_kanji) {
-            copy_kept_blocks<ascii::plain_text>(whole, block);
+            copy_kept<ascii::plain_text>(whole, block);
             return status::done;
         }
         utf8_to_jis each = *this;
@@ -161,18 +161,21 @@ struct utf8_to_jis {
 
 } // namespace
 
-status transcode_jis_to_utf8(const code_table &table, cursors &at) {
+transcoded transcode_jis_to_utf8(const code_table &table, std::string_view text, buffer to) {
     jis_to_utf8 each = {&table};
-    const status answer = transcode(each, at);
-    return answer == status::done && each.in_pairs ? status::needs_icu : answer;
+    transcoded result = transcode_text(each, text, to);
+    if (result.answer == status::done && each.in_pairs)
+        result.answer = status::needs_icu;
+    return result;
 }
 
-status transcode_utf8_to_jis(const code_table &table, cursors &at) {
+transcoded transcode_utf8_to_jis(const code_table &table, std::string_view text, buffer to) {
     utf8_to_jis each = {&table};
-    const status answer = transcode(each, at);
-    if (answer != status::done)
-        return answer;
-    return each.writer.change_set(false, at) ? status::done : status::full;
+    cursors at = cursors_of(text, to);
+    status answer = transcode(each, at);
+    if (answer == status::done && !each.writer.change_set(false, at))
+        answer = status::full;
+    return {answer, at.to};
 }
 
 } // namespace zel

@@ -13,38 +13,42 @@
 
 namespace zel {
 
-status transcode_from_utf8(const code_table &table, cursors &at);
-status transcode_to_utf8(const code_table &table, cursors &at);
+using buffer = std::span<unsigned char>;
+
+transcoded transcode_from_utf8(const code_table &table, std::string_view text, buffer to);
+transcoded transcode_to_utf8(const code_table &table, std::string_view text, buffer to);
 
 // ISO-2022-JP, whose text has states.
-status transcode_utf8_to_jis(const code_table &table, cursors &at);
-status transcode_jis_to_utf8(const code_table &table, cursors &at);
+transcoded transcode_utf8_to_jis(const code_table &table, std::string_view text, buffer to);
+transcoded transcode_jis_to_utf8(const code_table &table, std::string_view text, buffer to);
 
 // Between two charsets of single bytes.
-status transcode_bytes(const byte_table &table, cursors &at);
+transcoded transcode_bytes(const byte_table &table, std::string_view text, buffer to);
 
 // The bytes of ASCII that stay the same between two charsets; those of plain text all or none.
 using ascii_identity = std::bitset<128>;
 
-status transcode_ascii(const ascii_identity &kept, cursors &at);
+transcoded transcode_ascii(const ascii_identity &kept, std::string_view text, buffer to);
 
-template <class Kernel>
-status transcode_by_kernel(const code_table &table, cursors &at) {
+// Everything is inlined, so that all that a text needs stays in registers.
+template <class Kernel, class Table>
+[[gnu::flatten]] transcoded transcode_by_kernel(const Table &table, std::string_view text, buffer to) {
     Kernel each = {&table};
-    return transcode(each, at);
+    return transcode_text(each, text, to);
 }
 
-// The same code, compiled for newer processors. Everything is inlined, so that all of it is.
+// The same code, compiled for newer processors.
 template <class Kernel>
-ZEL_AVX2 [[gnu::flatten]] status transcode_by_avx2(const code_table &table, cursors &at) {
+ZEL_AVX2 [[gnu::flatten]] transcoded transcode_by_avx2(const code_table &table, std::string_view text,
+                                                       buffer to) {
     Kernel each = {&table};
-    return transcode(each, at);
+    return transcode_text(each, text, to);
 }
 
 template <template <instructions> class Kernel>
-status transcode_by(const code_table &table, cursors &at) {
-    return has_avx2() ? transcode_by_avx2<Kernel<instructions::avx2>>(table, at)
-                      : transcode_by_kernel<Kernel<instructions::base>>(table, at);
+transcoded transcode_by(const code_table &table, std::string_view text, buffer to) {
+    return has_avx2() ? transcode_by_avx2<Kernel<instructions::avx2>>(table, text, to)
+                      : transcode_by_kernel<Kernel<instructions::base>>(table, text, to);
 }
 
 } // namespace zel

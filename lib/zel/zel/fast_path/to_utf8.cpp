@@ -77,7 +77,7 @@ struct from_double_bytes {
         if (Kept == ascii::plain_text && has_any(block, are_special_controls)) [[unlikely]]
             return status::declined;
         if (!high) {
-            copy_kept_blocks<Kept>(at, block);
+            copy_kept<Kept>(at, block);
             return status::done;
         }
         std::size_t length = std::min(left(at), block_size);
@@ -174,7 +174,7 @@ struct from_single_bytes {
         const block64 block = load_block(at.from);
         const bitmask64 high = mask_of(block, are_high);
         if (!high) {
-            copy_kept_blocks<ascii::all>(at, block);
+            copy_kept<ascii::all>(at, block);
             return status::done;
         }
         const std::size_t length = std::min(left(at), block_size);
@@ -196,13 +196,13 @@ using from_double_bytes_plain = from_double_bytes<ascii::plain_text, Set>;
 
 } // namespace
 
-status transcode_to_utf8(const code_table &table, cursors &at) {
+transcoded transcode_to_utf8(const code_table &table, std::string_view text, buffer to) {
     if (table.kind == charset_kind::iso2022jp)
-        return transcode_jis_to_utf8(table, at);
+        return transcode_jis_to_utf8(table, text, to);
     if (!table.keeps_ascii)
-        return transcode_by<from_double_bytes_plain>(table, at);
-    return table.kind == charset_kind::single_byte ? transcode_by<from_single_bytes>(table, at)
-                                                   : transcode_by<from_double_bytes_all>(table, at);
+        return transcode_by<from_double_bytes_plain>(table, text, to);
+    return table.kind == charset_kind::single_byte ? transcode_by<from_single_bytes>(table, text, to)
+                                                   : transcode_by<from_double_bytes_all>(table, text, to);
 }
 
 } // namespace zel

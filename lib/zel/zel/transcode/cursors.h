@@ -8,6 +8,7 @@
 #include "zel/simd/ascii.h"
 
 #include <algorithm>
+#include <span>
 #include <string_view>
 
 namespace zel {
@@ -18,6 +19,11 @@ struct cursors {
     unsigned char *to;
     unsigned char *to_end;
 };
+
+inline cursors cursors_of(std::string_view text, std::span<unsigned char> to) {
+    const auto *from = reinterpret_cast<const unsigned char *>(text.data());
+    return {from, from + text.size(), to.data(), to.data() + to.size()};
+}
 
 inline std::size_t left(const cursors &at) {
     return static_cast<std::size_t>(at.from_end - at.from);
@@ -69,21 +75,29 @@ inline void copy_vectors(unsigned char *to, const unsigned char *from, std::size
         store_vector(to + at, load_vector(from + at));
 }
 
+// Copies whole blocks of up to so many bytes, as long as all of a block is kept. Gives how many bytes it were.
+template <ascii Kept>
+[[gnu::noinline]] std::size_t copy_kept_blocks(unsigned char *to, const unsigned char *from,
+                                               std::size_t length) {
+    std::size_t copied = 0;
+    for (; length - copied >= block_size; copied += block_size) {
+        const block64 block = load_block(from + copied);
+        if (has_any(block, are_not_kept<Kept>))
+            break;
+        store_block(to + copied, block);
+    }
+    return copied;
+}
+
 // Copies a block of which all is kept, and the blocks behind it of which that is true as well.
 template <ascii Kept>
-void copy_kept_blocks(cursors &at, block64 block) {
-    const std::size_t length = std::min(left(at), block_size);
+inline void copy_kept(cursors &at, const block64 &block) {
+    std::size_t length = std::min(left(at), block_size);
     store_block(at.to, block);
+    if (left(at) >= 2 * block_size && room(at) >= 2 * block_size)
+        length += copy_kept_blocks<Kept>(at.to + length, at.from + length, std::min(left(at), room(at)) - length);
     at.from += length;
     at.to += length;
-    while (left(at) >= block_size && room(at) >= block_size) {
-        block = load_block(at.from);
-        if (has_any(block, are_not_kept<Kept>))
-            return;
-        store_block(at.to, block);
-        at.from += block_size;
-        at.to += block_size;
-    }
 }
 
 } // namespace zel

@@ -13,6 +13,7 @@
 
 #pragma once
 
+#include "zel/simd/padded_text.h"
 #include "zel/transcode/cursors.h"
 
 #include <concepts>
@@ -56,35 +57,13 @@ status take_block(K &each, cursors &at) {
     return answer == status::declined ? scalar_steps(each, at, block_size) : answer;
 }
 
-// The rest of a text, which is less than Reads, with as many blanks behind it, which belong to no character
-// that begins in front of them. It is copied by vectors whose number does not depend on its length, the last
-// ones all from its end, so that no branch has to be guessed.
-template <std::size_t Reads>
-struct padded_text {
-    unsigned char bytes[2 * Reads + vector_size];
-
-    const unsigned char *copy(const unsigned char *from, std::size_t length) {
-        for (std::size_t at = 0; at < Reads; at += vector_size)
-            store_vector(bytes + length + at, vector_bytes{} + ' ');
-        if (length < vector_size) {
-            std::memcpy(bytes, from, length);
-            return bytes;
-        }
-        for (std::size_t at = 0; at < Reads; at += vector_size) {
-            const std::size_t place = std::min(at, length - vector_size);
-            store_vector(bytes + place, load_vector(from + place));
-        }
-        return bytes;
-    }
-};
-
 // Takes what is left of a text, or a block of it, on copies where an end is near. Where the result does not
 // fit, nothing is taken, or as many characters as fit.
 template <kernel K>
 status take_block_near_end(K &each, cursors &at) {
-    padded_text<K::reads> text;
+    padded_text<2 * K::reads - block_size> text;
     unsigned char converted[K::writes];
-    const unsigned char *const from = left(at) < K::reads ? text.copy(at.from, left(at)) : at.from;
+    const unsigned char *const from = left(at) < K::reads ? text.copy(at.from, left(at), ' ') : at.from;
     const bool is_wide = room(at) >= K::writes;
     unsigned char *const to = is_wide ? at.to : converted;
     cursors part = {from, from + left(at), to, is_wide ? at.to_end : converted + sizeof converted};
@@ -114,6 +93,21 @@ status transcode(K &kernel, cursors &whole) {
     kernel = each;
     whole = at;
     return answer;
+}
+
+// What came of a whole text, and where it ends. Text, buffer and answer go by registers: cursors in memory
+// would be stored one by one and loaded in pairs, which is slow.
+struct transcoded {
+    status answer;
+    unsigned char *end;
+};
+
+template <kernel K>
+[[gnu::always_inline]] inline transcoded transcode_text(K &each, std::string_view text,
+                                                        std::span<unsigned char> to) {
+    cursors at = cursors_of(text, to);
+    const status answer = transcode(each, at);
+    return {answer, at.to};
 }
 
 } // namespace zel

@@ -1,0 +1,99 @@
+// The last bytes of a text in a buffer of whole vectors, with a byte of the caller's choice behind them, so
+// that code for whole blocks can read them.
+//
+// A vector that is loaded from what two stores wrote waits until both have reached the cache, which takes as
+// long as some twenty instructions. So the bytes of a vector that the text fills only in part are put
+// together in registers, and each vector is stored in the place from which it is loaded.
+//
+// Invariant: nothing is read in front of the text or behind it.
+
+#pragma once
+
+#include "zel/simd/vector16.h"
+
+#include <algorithm>
+
+namespace zel {
+
+// Eight bytes of text as a number, the first byte lowest.
+using text_word = std::uint64_t;
+inline constexpr std::size_t word_size = sizeof(text_word);
+
+inline text_word in_order_of_text(text_word word) {
+    return is_little_endian ? word : __builtin_bswap64(word);
+}
+
+inline text_word load_word(const unsigned char *from) {
+    text_word word;
+    std::memcpy(&word, from, sizeof word);
+    return in_order_of_text(word);
+}
+
+inline text_word load_half_word(const unsigned char *from) {
+    std::uint32_t half;
+    std::memcpy(&half, from, sizeof half);
+    return is_little_endian ? half : __builtin_bswap32(half);
+}
+
+// A shift by so many bytes of a word, by all of them too.
+constexpr text_word without_first_bytes(text_word word, std::size_t count) {
+    return word >> 4 * count >> 4 * count;
+}
+
+constexpr text_word moved_behind(text_word word, std::size_t count) {
+    return word << 4 * count << 4 * count;
+}
+
+// A text of less than a word, by parts that may overlap.
+inline text_word load_short_text(const unsigned char *from, std::size_t length) {
+    if (length >= word_size / 2) {
+        const std::size_t behind = length - word_size / 2;
+        return load_half_word(from) | moved_behind(load_half_word(from + behind), behind);
+    }
+    text_word word = 0;
+    for (std::size_t at = 0; at < length; ++at)
+        word |= moved_behind(from[at], at);
+    return word;
+}
+
+// The last length % word_size bytes of a text, and padding behind them.
+inline text_word load_last_word(const unsigned char *from, std::size_t length, text_word padding) {
+    const std::size_t count = length % word_size;
+    const text_word bytes = length < word_size ? load_short_text(from, length)
+                                               : without_first_bytes(load_word(from + length - word_size),
+                                                                     word_size - count);
+    return bytes | moved_behind(padding, count);
+}
+
+// The last length % vector_size bytes of a text, and padding behind them.
+inline vector_bytes load_last_vector(const unsigned char *from, std::size_t length, text_word padding) {
+    using vector_words = text_word __attribute__((vector_size(vector_size)));
+    const text_word last = load_last_word(from, length, padding);
+    const bool has_whole_word = length % vector_size >= word_size;
+    const text_word first =
+        has_whole_word ? load_word(from + length - length % vector_size) : last;
+    return reinterpret_cast<vector_bytes>(
+        vector_words{in_order_of_text(first), in_order_of_text(has_whole_word ? last : padding)});
+}
+
+template <std::size_t Size>
+struct padded_text {
+    unsigned char bytes[Size];
+    static_assert(Size % vector_size == 0);
+
+    // Of a text that is shorter. How much is stored does not depend on its length, so that no branch has to
+    // be guessed.
+    const unsigned char *copy(const unsigned char *from, std::size_t length, unsigned char padding) {
+        for (std::size_t at = 0; at < Size; at += vector_size)
+            store_vector(bytes + at, vector_bytes{} + padding);
+        const std::size_t whole = length - length % vector_size;
+        for (std::size_t at = 0; at < Size && whole > 0; at += vector_size) {
+            const std::size_t place = std::min(at, whole - vector_size);
+            store_vector(bytes + place, load_vector(from + place));
+        }
+        store_vector(bytes + whole, load_last_vector(from, length, text_word{0x0101010101010101} * padding));
+        return bytes;
+    }
+};
+
+} // namespace zel
