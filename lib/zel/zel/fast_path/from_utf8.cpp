@@ -46,7 +46,7 @@ struct from_utf8 {
 
     status block_step(cursors &at) const {
         const block64 block = load_block(at.from);
-        const utf8_block shape = utf8_shape(block);
+        const utf8_block shape = utf8_shape<Set>(block);
         if (Kept == ascii::plain_text && has_any(block, are_special_controls)) [[unlikely]]
             return status::declined;
         if (!shape.high) {
@@ -56,7 +56,7 @@ struct from_utf8 {
         const std::size_t length = whole_characters(shape, left(at));
         const bitmask64 bytes = first_bits(length), leads = lead_bytes(shape) & bytes;
         std::uint16_t units[block_size];
-        if ((store_code_units(units, block) & leads) || !is_well_formed(shape)) [[unlikely]]
+        if ((store_code_units<Set>(units, block) & leads) || !is_well_formed(shape)) [[unlikely]]
             return status::declined;
         unsigned char looked_up[block_size + 1];
         store_block(looked_up, block);

@@ -109,7 +109,7 @@ struct utf8_to_jis {
     // Run by run, on copies of the cursors and of the writer.
     bool put_runs(cursors &at, const block64 &block, const utf8_block &shape, std::size_t length) {
         std::uint16_t units[block_size];
-        if (store_code_units(units, block) & shape.three_byte & first_bits(length))
+        if (store_code_units<instructions::base>(units, block) & shape.three_byte & first_bits(length))
             return false;
         const unsigned char *const start = at.from;
         for (std::size_t place = 0; place < length;) {
@@ -134,7 +134,7 @@ struct utf8_to_jis {
 
     status block_step(cursors &whole) {
         const block64 block = load_block(whole.from);
-        const utf8_block shape = utf8_shape(block);
+        const utf8_block shape = utf8_shape<instructions::base>(block);
         if (has_any(block, are_special_controls) || !is_well_formed(shape)) [[unlikely]]
             return status::declined;
         if (!shape.high && !writer.in_kanji) {

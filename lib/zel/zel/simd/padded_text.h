@@ -65,15 +65,18 @@ inline text_word load_last_word(const unsigned char *from, std::size_t length, t
     return bytes | moved_behind(padding, count);
 }
 
-// The last length % vector_size bytes of a text, and padding behind them.
+// The last length % vector_size bytes of a text, and padding behind them. Both cases are worked out and one is
+// kept, as nobody could guess which it is.
 inline vector_bytes load_last_vector(const unsigned char *from, std::size_t length, text_word padding) {
     using vector_words = text_word __attribute__((vector_size(vector_size)));
     const text_word last = load_last_word(from, length, padding);
-    const bool has_whole_word = length % vector_size >= word_size;
-    const text_word first =
-        has_whole_word ? load_word(from + length - length % vector_size) : last;
+    const std::size_t count = length % vector_size;
+    const text_word is_second = text_word{0} - (count >= word_size);
+    const text_word first = length < word_size ? 0 : load_word(from + length - std::max(count, word_size));
+    const vector_words words = {(first & is_second) | (last & ~is_second),
+                                (last & is_second) | (padding & ~is_second)};
     return reinterpret_cast<vector_bytes>(
-        vector_words{in_order_of_text(first), in_order_of_text(has_whole_word ? last : padding)});
+        vector_words{in_order_of_text(words[0]), in_order_of_text(words[1])});
 }
 
 template <std::size_t Size>

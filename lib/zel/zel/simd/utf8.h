@@ -4,6 +4,7 @@
 #pragma once
 
 #include "zel/simd/block64.h"
+#include "zel/simd/instructions.h"
 
 namespace zel {
 
@@ -28,6 +29,7 @@ struct utf8_block {
     bitmask64 high, two_byte, three_byte, continuation; // two_byte: the first bytes of such characters
 };
 
+template <instructions>
 inline utf8_block utf8_shape(const block64 &block) {
     const auto between = [&](unsigned char first, unsigned char last) {
         return mask_of(block, [=](vector_bytes bytes) { return are_between(bytes, first, last); });
@@ -67,6 +69,7 @@ constexpr bool is_well_formed(const utf8_block &shape) {
 //
 // A character that the block cuts off has none. Gives the places of overlong forms: of three bytes whose code
 // unit would fit two.
+template <instructions>
 inline bitmask64 store_code_units(std::uint16_t *units, const block64 &block) {
     bitmask64 overlong = 0;
     for (std::size_t i = 0; i < std::size(block.vectors); ++i) {
@@ -86,5 +89,66 @@ inline bitmask64 store_code_units(std::uint16_t *units, const block64 &block) {
     }
     return overlong;
 }
+
+#ifdef __x86_64__
+// The same for 32 bytes at a time.
+
+ZEL_AVX2 inline __m256i half_of(const block64 &block, std::size_t first) {
+    __m128i low = reinterpret_cast<__m128i>(block.vectors[first]);
+    asm("" : "+x"(low));
+    return _mm256_set_m128i(reinterpret_cast<__m128i>(block.vectors[first + 1]), low);
+}
+
+ZEL_AVX2 inline __m256i all_bytes(unsigned char value) {
+    return _mm256_set1_epi8(static_cast<char>(value));
+}
+
+ZEL_AVX2 inline __m256i are_between(__m256i bytes, unsigned char first, unsigned char last) {
+    const __m256i above_first = _mm256_sub_epi8(bytes, all_bytes(first));
+    const __m256i width = all_bytes(static_cast<unsigned char>(last - first));
+    return _mm256_cmpeq_epi8(_mm256_min_epu8(above_first, width), above_first);
+}
+
+ZEL_AVX2 inline bitmask64 mask_of(__m256i low, __m256i high) {
+    return static_cast<std::uint32_t>(_mm256_movemask_epi8(low)) |
+           bitmask64{static_cast<std::uint32_t>(_mm256_movemask_epi8(high))} << block_size / 2;
+}
+
+template <>
+ZEL_AVX2 inline utf8_block utf8_shape<instructions::avx2>(const block64 &block) {
+    const __m256i low = half_of(block, 0), high = half_of(block, 2), last_continuation = all_bytes(0xC0);
+    return {mask_of(low, high), mask_of(are_between(low, 0xC2, 0xDF), are_between(high, 0xC2, 0xDF)),
+            mask_of(are_between(low, 0xE0, 0xEF), are_between(high, 0xE0, 0xEF)),
+            mask_of(_mm256_cmpgt_epi8(last_continuation, low), _mm256_cmpgt_epi8(last_continuation, high))};
+}
+
+// Gives the overlong forms.
+ZEL_AVX2 inline __m256i store_code_units(std::uint16_t *units, __m256i first, __m256i behind) {
+    const __m256i across = _mm256_permute2x128_si256(first, behind, 0x21);
+    const __m256i second = _mm256_alignr_epi8(across, first, 1), third = _mm256_alignr_epi8(across, first, 2);
+    const __m256i three_byte = are_between(first, 0xE0, 0xFF);
+    const __m256i x = _mm256_blendv_epi8(first, second, three_byte);
+    const __m256i y = _mm256_blendv_epi8(second, third, three_byte);
+    const __m256i d = _mm256_and_si256(_mm256_slli_epi16(first, 4), all_bytes(0xF0));
+    const __m256i a = _mm256_and_si256(_mm256_srli_epi16(x, 2), all_bytes(0x0F));
+    const __m256i b = _mm256_and_si256(_mm256_slli_epi16(x, 6), all_bytes(0xC0));
+    const __m256i high = _mm256_or_si256(_mm256_and_si256(d, three_byte), a);
+    const __m256i low = _mm256_or_si256(b, _mm256_and_si256(y, all_bytes(0x3F)));
+    const __m256i even = _mm256_unpacklo_epi8(low, high), odd = _mm256_unpackhi_epi8(low, high);
+    auto *const to = reinterpret_cast<__m128i *>(units);
+    _mm_storeu_si128(to, _mm256_castsi256_si128(even));
+    _mm_storeu_si128(to + 1, _mm256_castsi256_si128(odd));
+    _mm_storeu_si128(to + 2, _mm256_extracti128_si256(even, 1));
+    _mm_storeu_si128(to + 3, _mm256_extracti128_si256(odd, 1));
+    return _mm256_and_si256(three_byte, are_between(high, 0x00, 0x07));
+}
+
+template <>
+ZEL_AVX2 inline bitmask64 store_code_units<instructions::avx2>(std::uint16_t *units, const block64 &block) {
+    const __m256i low = half_of(block, 0), high = half_of(block, 2);
+    const __m256i overlong = store_code_units(units, low, high);
+    return mask_of(overlong, store_code_units(units + block_size / 2, high, _mm256_setzero_si256()));
+}
+#endif
 
 } // namespace zel
