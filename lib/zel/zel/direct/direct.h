@@ -27,7 +27,7 @@ status count_directly(K &kernel, input from, output &to) {
 
 // Overlapping buffers go character by character, as a block would spoil text that is not yet read.
 template <kernel K>
-status convert_directly(K &kernel, input from, output &to) {
+[[gnu::flatten]] status convert_directly(K &kernel, input from, output &to) {
     if (!to.start)
         return count_directly(kernel, from, to);
     auto *const start = reinterpret_cast<unsigned char *>(to.start) + to.length;

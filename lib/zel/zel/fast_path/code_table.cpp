@@ -137,6 +137,15 @@ bool keeps_ascii(const code_table &table, unsigned first, unsigned last) {
     return true;
 }
 
+// The end of Latin-1 that a charset shares, if all of the letters are in it.
+unsigned char first_latin1(const code_table &table) {
+    constexpr unsigned first_letter = 0xC0;
+    unsigned first = 0x100;
+    while (first > 0x80 && table.codes[first - 1] == first - 1)
+        --first;
+    return static_cast<unsigned char>(first <= first_letter ? first : 0);
+}
+
 template <class Table>
 heap<Table> new_table() {
     return heap<Table>(static_cast<Table *>(std::calloc(1, sizeof(Table))));
@@ -176,6 +185,7 @@ heap<code_table> build_code_table(const char *charset) {
     take_bytes(*table, asked);
     take_codes(*table, asked);
     table->keeps_ascii = keeps_ascii(*table, 0x01, 0x7F);
+    table->first_latin1 = first_latin1(*table);
     table->lengths[0] = 1; // NUL is kept where plain text is
     const bool keeps_text = keeps_ascii(*table, 0x01, 0x0D) && keeps_ascii(*table, ' ', '~');
     return keeps_text ? std::move(table) : nullptr;

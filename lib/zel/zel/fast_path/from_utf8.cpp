@@ -28,6 +28,22 @@ struct from_utf8 {
     static constexpr std::size_t reads = block_size;
     static constexpr std::size_t writes = block_size + squeeze_slack;
 
+    // Gives whether all of the characters are Latin-1 that the charset shares: there a code is its code point.
+    bool store_latin1(unsigned char *looked_up, const block64 &block, bitmask64 leads) const {
+        bitmask64 decided = 0;
+        for (std::size_t i = 0; i < std::size(block.vectors); ++i) {
+            const vector_bytes first = block.vectors[i];
+            const vector_bytes behind =
+                i + 1 < std::size(block.vectors) ? block.vectors[i + 1] : vector_bytes{};
+            const vector_bytes code = shifted_left<6>(first) | (moved_down<1>(first, behind) & 0x3F);
+            const vector_mask is_lead = are_between(first, 0xC2, 0xC3);
+            store_vector(looked_up + i * vector_size, select(is_lead, code, first));
+            const vector_mask is_shared = are_between(code, table->first_latin1, 0xFF);
+            decided |= bitmask64{bits_of(is_lead & is_shared)} << i * vector_size;
+        }
+        return (leads & ~decided) == 0;
+    }
+
     // Gives whether all of the codes are of the common length.
     bool store_codes(unsigned char *looked_up, const std::uint16_t *units, bitmask64 leads) const {
         constexpr unsigned least = SingleByte ? 1 : first_double_byte;
@@ -53,19 +69,23 @@ struct from_utf8 {
             copy_kept<Kept>(at, block);
             return status::done;
         }
+        if (!is_well_formed(shape)) [[unlikely]]
+            return status::declined;
         const std::size_t length = whole_characters(shape, left(at));
         const bitmask64 bytes = first_bits(length), leads = lead_bytes(shape) & bytes;
-        std::uint16_t units[block_size];
-        if ((store_code_units<Set>(units, block) & leads) || !is_well_formed(shape)) [[unlikely]]
-            return status::declined;
-        unsigned char looked_up[block_size + 1];
-        store_block(looked_up, block);
         bitmask64 kept = (SingleByte ? ~shape.continuation : ~shape.continuation | leads << 1) & bytes;
-        if (!store_codes(looked_up, units, leads)) [[unlikely]] {
-            const bitmask64 zeros = zeros_of(looked_up) & kept;
-            if (zeros & (leads | ~shape.high)) // a character without a code, or a NUL
+        unsigned char looked_up[block_size + 1];
+        if (!(SingleByte && table->first_latin1 && store_latin1(looked_up, block, leads))) {
+            std::uint16_t units[block_size];
+            if (store_code_units<Set>(units, block) & leads) [[unlikely]]
                 return status::declined;
-            kept &= ~zeros; // the places of second bytes
+            store_block(looked_up, block);
+            if (!store_codes(looked_up, units, leads)) [[unlikely]] {
+                const bitmask64 zeros = zeros_of(looked_up) & kept;
+                if (zeros & (leads | ~shape.high)) // a character without a code, or a NUL
+                    return status::declined;
+                kept &= ~zeros; // the places of second bytes
+            }
         }
         at.to = squeeze_block<Set>(at.to, looked_up, kept);
         at.from += length;
