@@ -62,29 +62,37 @@ struct hz_text {
     }
 };
 
-// Characters of one charset on their way into the other. No text of them is irregular.
+// Characters of one charset on their way into the other, where each stands in the same place. No text of them
+// is irregular.
 template <const cell_map &map>
 struct mapped_text {
     static constexpr auto policy = when_full::keep_characters;
-    static constexpr std::size_t reads = runs_read;
-    static constexpr std::size_t writes = step_writes;
+    static constexpr std::size_t reads = block_size;
+    static constexpr std::size_t writes = block_size;
 
-    static vector_mask ends_singles(vector_bytes bytes) { return are_between(bytes, first_lead, last_lead); }
-    static vector_mask ends_pairs(vector_bytes bytes) { return ~ends_singles(bytes); }
-    static bool begin_run(bool, cursors &) { return true; }
-
-    static void map_vector(unsigned char *to, const unsigned char *from) {
-        for (std::size_t at = 0; at < vector_size; at += sizeof(cell)) {
-            const cell &other = map[place_of(from[at], from[at + 1])];
-            std::memcpy(to + at, &other, sizeof other);
-        }
+    static void map_character(unsigned char *to, const unsigned char *from) {
+        const cell &other = map[place_of(from[0], from[1])];
+        std::memcpy(to, &other, sizeof other);
     }
-    static bool put_pairs(cursors &at, std::size_t bytes) { return change_pairs(at, bytes, map_vector); }
 
-    static bool begins_run(unsigned char) { return true; }
-    void take_runs(const chunk &of, std::size_t place, cursors &at) { take_led_runs(*this, of, place, at); }
-
-    status block_step(cursors &at) { return take_chunk(*this, at); }
+    static status block_step(cursors &at) {
+        const block64 block = load_block(at.from);
+        const bitmask64 candidates =
+            mask_of(block, [](vector_bytes bytes) { return are_between(bytes, first_lead, last_lead); });
+        if (!candidates) {
+            copy_kept<ascii::all>(at, block);
+            return status::done;
+        }
+        const std::size_t length = whole_characters(lead_bytes_among(candidates), left(at));
+        if (length == 0)
+            return status::declined;
+        store_block(at.to, block);
+        for (bitmask64 leads = lead_bytes_among(candidates) & first_bits(length); leads; leads = without_first(leads))
+            map_character(at.to + first_of(leads), at.from + first_of(leads));
+        at.from += length;
+        at.to += length;
+        return status::done;
+    }
 
     static status scalar_step(cursors &at) {
         const unsigned char byte = take(at);

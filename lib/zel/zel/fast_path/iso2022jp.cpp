@@ -24,6 +24,7 @@ bool take(cursors &at, std::string_view bytes) {
 
 // Other sets, a run of kanji without characters or without its end, and two escape sequences side by side:
 // ICU has rules for them.
+template <instructions>
 struct jis_to_utf8 {
     const code_table *table;
     bool in_pairs = false;
@@ -82,8 +83,11 @@ struct jis_to_utf8 {
         const unsigned char byte = zel::take(at);
         return in_pairs ? put_pair(at, *table, byte, zel::take(at)) : put_single(at, *table, byte);
     }
+
+    status finish(const cursors &) const { return in_pairs ? status::needs_icu : status::done; }
 };
 
+template <instructions Set>
 struct utf8_to_jis {
     const code_table *table;
     jis_writer writer;
@@ -109,7 +113,7 @@ struct utf8_to_jis {
     // Run by run, on copies of the cursors and of the writer.
     bool put_runs(cursors &at, const block64 &block, const utf8_block &shape, std::size_t length) {
         std::uint16_t units[block_size];
-        if (store_code_units<instructions::base>(units, block) & shape.three_byte & first_bits(length))
+        if (store_code_units<Set>(units, block) & shape.three_byte & first_bits(length))
             return false;
         const unsigned char *const start = at.from;
         for (std::size_t place = 0; place < length;) {
@@ -134,7 +138,7 @@ struct utf8_to_jis {
 
     status block_step(cursors &whole) {
         const block64 block = load_block(whole.from);
-        const utf8_block shape = utf8_shape<instructions::base>(block);
+        const utf8_block shape = utf8_shape<Set>(block);
         if (has_any(block, are_special_controls) || !is_well_formed(shape)) [[unlikely]]
             return status::declined;
         if (!shape.high && !writer.in_kanji) {
@@ -157,25 +161,18 @@ struct utf8_to_jis {
         return writer.change_set(code >= first_double_byte, at) && put_code(at, code) ? status::done
                                                                                       : status::full;
     }
+
+    status finish(cursors &at) { return writer.change_set(false, at) ? status::done : status::full; }
 };
 
 } // namespace
 
 transcoded transcode_jis_to_utf8(const code_table &table, std::string_view text, buffer to) {
-    jis_to_utf8 each = {&table};
-    transcoded result = transcode_text(each, text, to);
-    if (result.answer == status::done && each.in_pairs)
-        result.answer = status::needs_icu;
-    return result;
+    return transcode_by<jis_to_utf8>(table, text, to);
 }
 
 transcoded transcode_utf8_to_jis(const code_table &table, std::string_view text, buffer to) {
-    utf8_to_jis each = {&table};
-    cursors at = cursors_of(text, to);
-    status answer = transcode(each, at);
-    if (answer == status::done && !each.writer.change_set(false, at))
-        answer = status::full;
-    return {answer, at.to};
+    return transcode_by<utf8_to_jis>(table, text, to);
 }
 
 } // namespace zel

@@ -80,14 +80,10 @@ struct from_double_bytes {
             copy_kept<Kept>(at, block);
             return status::done;
         }
-        std::size_t length = std::min(left(at), block_size);
-        bitmask64 leads = lead_bytes_among(high);
-        if (leads >> (length - 1) & 1) {
-            if (length < block_size) // the text ends in a character
-                return status::declined;
-            --length;
-        }
-        leads &= first_bits(length);
+        const std::size_t length = whole_characters(lead_bytes_among(high), left(at));
+        if (length == 0)
+            return status::declined;
+        const bitmask64 leads = lead_bytes_among(high) & first_bits(length);
         unsigned char slots[slots_size + 2];
         store_slots(slots, block);
         const utf8_character common = store_characters(slots, block, leads);

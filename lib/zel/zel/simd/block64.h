@@ -83,6 +83,14 @@ constexpr bitmask64 lead_bytes_among(bitmask64 candidates) {
     return (even_runs & even_places) | (candidates & ~even_runs & ~even_places);
 }
 
+// How many bytes of a block are whole double-byte characters, where the text has so many bytes left; 0 where
+// the text ends within one.
+constexpr std::size_t whole_characters(bitmask64 leads, std::size_t bytes_left) {
+    const std::size_t length = bytes_left < block_size ? bytes_left : block_size;
+    const bool cuts_last = leads >> (length - 1) & 1;
+    return !cuts_last ? length : length < block_size ? 0 : length - 1;
+}
+
 static_assert(lead_bytes_among(0b001110) == 0b001010); // the text of the drawing, its first byte lowest
 static_assert(lead_bytes_among(0b0111010110) == 0b0101010010);
 

@@ -32,7 +32,8 @@ enum class when_full { give_up, keep_characters };
 
 // block_step takes something from an ordinary block, or from a few, and puts what it becomes; where the block
 // is none, it moves no cursor and declines. scalar_step takes one character, or one escape sequence: the
-// obvious code, against which the tests hold the block step.
+// obvious code, against which the tests hold the block step. Where a text may end in a state that is not its
+// first one, finish(at) puts what belongs behind it, or says that the text is undecided.
 template <class K>
 concept kernel = requires(K each, cursors &at) {
     requires K::reads >= block_size &&K::reads <= 2 * block_size;
@@ -106,7 +107,9 @@ template <kernel K>
 [[gnu::always_inline]] inline transcoded transcode_text(K &each, std::string_view text,
                                                         std::span<unsigned char> to) {
     cursors at = cursors_of(text, to);
-    const status answer = transcode(each, at);
+    status answer = transcode(each, at);
+    if constexpr (requires { each.finish(at); })
+        answer = answer == status::done ? each.finish(at) : answer;
     return {answer, at.to};
 }
 
