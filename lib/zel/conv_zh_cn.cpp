@@ -80,14 +80,15 @@ struct mapped_text {
         const bitmask64 candidates =
             mask_of(block, [](vector_bytes bytes) { return are_between(bytes, first_lead, last_lead); });
         if (!candidates) {
-            copy_kept<ascii::all>(at, block);
+            copy_kept<ascii::all, instructions::base>(at, block);
             return status::done;
         }
         const std::size_t length = whole_characters(lead_bytes_among(candidates), left(at));
         if (length == 0)
             return status::declined;
         store_block(at.to, block);
-        for (bitmask64 leads = lead_bytes_among(candidates) & first_bits(length); leads; leads = without_first(leads))
+        for (bitmask64 leads = lead_bytes_among(candidates) & first_bits(length); leads;
+             leads = without_first(leads))
             map_character(at.to + first_of(leads), at.from + first_of(leads));
         at.from += length;
         at.to += length;

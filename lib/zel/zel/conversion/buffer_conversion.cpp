@@ -120,8 +120,8 @@ lent_converter borrow_for(const charset_pair &pair, std::string_view text) {
     return borrow_converter(pair.from_charset, pair.to_charset);
 }
 
-// What a thread looked up last, it mostly looks up again. It is a pair of the cache that no route serves; such
-// a record lives until the stop.
+// What a thread looked up last, it mostly looks up again. It is a pair of the cache that no route serves;
+// such a record lives until the stop.
 thread_local EncodingConverter *last_pair = nullptr;
 
 bool is_last_pair(const char *from_charset, const char *to_charset) {

@@ -28,7 +28,8 @@ struct from_utf8 {
     static constexpr std::size_t reads = block_size;
     static constexpr std::size_t writes = block_size + squeeze_slack;
 
-    // Gives whether all of the characters are Latin-1 that the charset shares: there a code is its code point.
+    // Gives whether all of the characters are Latin-1 that the charset shares: there a code is its code
+    // point.
     bool store_latin1(unsigned char *looked_up, const block64 &block, bitmask64 leads) const {
         bitmask64 decided = 0;
         for (std::size_t i = 0; i < std::size(block.vectors); ++i) {
@@ -66,7 +67,7 @@ struct from_utf8 {
         if (Kept == ascii::plain_text && has_any(block, are_special_controls)) [[unlikely]]
             return status::declined;
         if (!shape.high) {
-            copy_kept<Kept>(at, block);
+            copy_kept<Kept, Set>(at, block);
             return status::done;
         }
         if (!is_well_formed(shape)) [[unlikely]]

@@ -24,7 +24,7 @@ bool take(cursors &at, std::string_view bytes) {
 
 // Other sets, a run of kanji without characters or without its end, and two escape sequences side by side:
 // ICU has rules for them.
-template <instructions>
+template <instructions Set>
 struct jis_to_utf8 {
     const code_table *table;
     bool in_pairs = false;
@@ -69,7 +69,7 @@ struct jis_to_utf8 {
         const block64 block = load_block(at.from);
         if (in_pairs || has_any(block, ends_singles))
             return take_chunk(*this, at);
-        copy_kept<ascii::plain_text>(at, block);
+        copy_kept<ascii::plain_text, Set>(at, block);
         return status::done;
     }
 
@@ -142,7 +142,7 @@ struct utf8_to_jis {
         if (has_any(block, are_special_controls) || !is_well_formed(shape)) [[unlikely]]
             return status::declined;
         if (!shape.high && !writer.in_kanji) {
-            copy_kept<ascii::plain_text>(whole, block);
+            copy_kept<ascii::plain_text, Set>(whole, block);
             return status::done;
         }
         utf8_to_jis each = *this;

@@ -1,5 +1,5 @@
-// Which instructions a piece of code is compiled for. A template of this parameter has a portable form, and may
-// have another one for newer processors of a kind, which the caller asks for at run time.
+// Which instructions a piece of code is compiled for. A template of this parameter has a portable form, and
+// may have another one for newer processors of a kind, which the caller asks for at run time.
 //
 // Invariant: both forms give the same.
 

@@ -59,14 +59,14 @@ inline text_word load_short_text(const unsigned char *from, std::size_t length) 
 // The last length % word_size bytes of a text, and padding behind them.
 inline text_word load_last_word(const unsigned char *from, std::size_t length, text_word padding) {
     const std::size_t count = length % word_size;
-    const text_word bytes = length < word_size ? load_short_text(from, length)
-                                               : without_first_bytes(load_word(from + length - word_size),
-                                                                     word_size - count);
+    const text_word bytes =
+        length < word_size ? load_short_text(from, length)
+                           : without_first_bytes(load_word(from + length - word_size), word_size - count);
     return bytes | moved_behind(padding, count);
 }
 
-// The last length % vector_size bytes of a text, and padding behind them. Both cases are worked out and one is
-// kept, as nobody could guess which it is.
+// The last length % vector_size bytes of a text, and padding behind them. Both cases are worked out and one
+// is kept, as nobody could guess which it is.
 inline vector_bytes load_last_vector(const unsigned char *from, std::size_t length, text_word padding) {
     using vector_words = text_word __attribute__((vector_size(vector_size)));
     const text_word last = load_last_word(from, length, padding);
