@@ -9,7 +9,7 @@
 #include "zel.h"
 #include "zel/base/charset_names.h"
 #include "zel/base/input.h"
-#include "zel/simd/block64.h"
+#include "zel/simd/padded_text.h"
 
 #include <algorithm>
 #include <bit>

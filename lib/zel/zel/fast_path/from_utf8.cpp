@@ -1,5 +1,5 @@
 // UTF-8 to charsets of one or two bytes a character. A block goes through two stages, neither of which
-// branches on the text, so that its cost goes by its bytes and hardly by their order:
+// branches on the order of its characters, so that its cost goes by its bytes and hardly by their order:
 //
 //     text            a   [e3 81 82]   b   [c3 a9]       and which bytes begin a character, as bitmasks
 //     looked up       a   [82 a0  .]   b   [85 ..]       each code is stored over the character it replaces
@@ -61,6 +61,25 @@ struct from_utf8 {
         return lacking >> 31 == 0;
     }
 
+    // Stores all codes; gives the bytes that are kept, or none where a character is not decided.
+    bitmask64 look_up(unsigned char *looked_up, const block64 &block, const utf8_block &shape,
+                      bitmask64 bytes) const {
+        const bitmask64 leads = lead_bytes(shape) & bytes;
+        const bitmask64 kept = (SingleByte ? ~shape.continuation : ~shape.continuation | leads << 1) & bytes;
+        if (SingleByte && table->first_latin1 && store_latin1(looked_up, block, leads))
+            return kept;
+        std::uint16_t units[block_size];
+        if (store_code_units<Set>(units, block) & leads) [[unlikely]]
+            return 0;
+        store_block(looked_up, block);
+        if (store_codes(looked_up, units, leads)) [[likely]]
+            return kept;
+        const bitmask64 zeros = zeros_of(looked_up) & kept;
+        const bool is_decided =
+            (zeros & (leads | ~shape.high)) == 0; // no character without a code, and no NUL
+        return is_decided ? kept & ~zeros : 0;    // without the places of second bytes
+    }
+
     status block_step(cursors &at) const {
         const block64 block = load_block(at.from);
         const utf8_block shape = utf8_shape<Set>(block);
@@ -70,24 +89,12 @@ struct from_utf8 {
             copy_kept<Kept, Set>(at, block);
             return status::done;
         }
-        if (!is_well_formed(shape)) [[unlikely]]
-            return status::declined;
         const std::size_t length = whole_characters(shape, left(at));
-        const bitmask64 bytes = first_bits(length), leads = lead_bytes(shape) & bytes;
-        bitmask64 kept = (SingleByte ? ~shape.continuation : ~shape.continuation | leads << 1) & bytes;
         unsigned char looked_up[block_size + 1];
-        if (!(SingleByte && table->first_latin1 && store_latin1(looked_up, block, leads))) {
-            std::uint16_t units[block_size];
-            if (store_code_units<Set>(units, block) & leads) [[unlikely]]
-                return status::declined;
-            store_block(looked_up, block);
-            if (!store_codes(looked_up, units, leads)) [[unlikely]] {
-                const bitmask64 zeros = zeros_of(looked_up) & kept;
-                if (zeros & (leads | ~shape.high)) // a character without a code, or a NUL
-                    return status::declined;
-                kept &= ~zeros; // the places of second bytes
-            }
-        }
+        const bitmask64 kept =
+            is_well_formed(shape) ? look_up(looked_up, block, shape, first_bits(length)) : 0;
+        if (!kept) [[unlikely]]
+            return status::declined;
         at.to = squeeze_block<Set>(at.to, looked_up, kept);
         at.from += length;
         return status::done;

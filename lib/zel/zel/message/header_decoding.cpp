@@ -17,7 +17,7 @@
 #include "zel/conversion/string_conversion.h"
 #include "zel/policy/charset_policy.h"
 #include "zel/policy/languages.h"
-#include "zel/simd/block64.h"
+#include "zel/simd/padded_text.h"
 
 #include <bit>
 

@@ -5,8 +5,6 @@
 
 #include "zel/simd/vector16.h"
 
-#include <string_view>
-
 namespace zel {
 
 using bitmask64 = std::uint64_t;
@@ -20,13 +18,6 @@ struct block64 {
 inline block64 load_block(const void *from) {
     const auto *bytes = static_cast<const unsigned char *>(from);
     return {load_vector(bytes), load_vector(bytes + 16), load_vector(bytes + 32), load_vector(bytes + 48)};
-}
-
-// A text of less than a block, with zeros behind it.
-inline block64 load_rest(std::string_view text) {
-    unsigned char padded[block_size] = {};
-    text.copy(reinterpret_cast<char *>(padded), text.size());
-    return load_block(padded);
 }
 
 inline void store_block(void *to, const block64 &block) {

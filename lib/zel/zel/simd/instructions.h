@@ -16,7 +16,11 @@ namespace zel {
 enum class instructions { base, avx2 };
 
 #ifdef __x86_64__
+#ifdef __clang__
+#define ZEL_AVX2 [[gnu::target("avx2,bmi,bmi2,lzcnt,popcnt")]]
+#else // which else loads two vectors as one where they have just been stored as two, for which the load waits
 #define ZEL_AVX2 [[gnu::target("avx2,bmi,bmi2,lzcnt,popcnt,prefer-vector-width=128")]]
+#endif
 inline bool has_avx2() {
     return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi") &&
            __builtin_cpu_supports("bmi2") && __builtin_cpu_supports("popcnt");

@@ -9,7 +9,7 @@
 
 #pragma once
 
-#include "zel/simd/vector16.h"
+#include "zel/simd/block64.h"
 
 #include <algorithm>
 
@@ -65,27 +65,26 @@ inline text_word load_last_word(const unsigned char *from, std::size_t length, t
     return bytes | moved_behind(padding, count);
 }
 
-// The last length % vector_size bytes of a text, and padding behind them. Both cases are worked out and one
-// is kept, as nobody could guess which it is.
+// The last length % vector_size bytes of a text, and padding behind them. They fill one word or reach into a
+// second one: both cases are worked out and a mask keeps one of them, as no branch could be foreseen.
 inline vector_bytes load_last_vector(const unsigned char *from, std::size_t length, text_word padding) {
     using vector_words = text_word __attribute__((vector_size(vector_size)));
-    const text_word last = load_last_word(from, length, padding);
     const std::size_t count = length % vector_size;
-    const text_word is_second = text_word{0} - (count >= word_size);
-    const text_word first = length < word_size ? 0 : load_word(from + length - std::max(count, word_size));
-    const vector_words words = {(first & is_second) | (last & ~is_second),
-                                (last & is_second) | (padding & ~is_second)};
-    return reinterpret_cast<vector_bytes>(
-        vector_words{in_order_of_text(words[0]), in_order_of_text(words[1])});
+    const text_word last = load_last_word(from, length, padding);
+    const text_word whole = length < word_size ? 0 : load_word(from + length - std::max(count, word_size));
+    const text_word if_two = text_word{0} - (count >= word_size);
+    const text_word first = (whole & if_two) | (last & ~if_two);
+    const text_word second = (last & if_two) | (padding & ~if_two);
+    return reinterpret_cast<vector_bytes>(vector_words{in_order_of_text(first), in_order_of_text(second)});
 }
 
+// Holds a text that is shorter than it.
 template <std::size_t Size>
 struct padded_text {
     unsigned char bytes[Size];
     static_assert(Size % vector_size == 0);
 
-    // Of a text that is shorter. How much is stored does not depend on its length, so that no branch has to
-    // be guessed.
+    // How much is stored does not depend on the length, so that no branch has to be foreseen.
     const unsigned char *copy(const unsigned char *from, std::size_t length, unsigned char padding) {
         for (std::size_t at = 0; at < Size; at += vector_size)
             store_vector(bytes + at, vector_bytes{} + padding);
@@ -98,5 +97,11 @@ struct padded_text {
         return bytes;
     }
 };
+
+// A text of less than a block, with zeros behind it.
+inline block64 load_rest(std::string_view text) {
+    padded_text<block_size> rest;
+    return load_block(rest.copy(reinterpret_cast<const unsigned char *>(text.data()), text.size(), 0));
+}
 
 } // namespace zel
