@@ -157,8 +157,10 @@ bool come_to_know(charset_pair &pair) {
 std::int32_t result_size(const charset_pair &pair, std::size_t bytes) {
     if (pair.same)
         return saturate(bytes + 1);
-    if (const std::uint64_t factor = growth_factor(pair.from_charset, pair.to_charset))
-        return saturate(bytes * factor + 1);
+    const std::uint64_t growth =
+        pair.cached ? pair.cached->growth : growth_factor(pair.from_charset, pair.to_charset);
+    if (growth)
+        return saturate(bytes * growth + 1);
     if (pair.cached)
         return estimate_size(pair.cached, bytes);
     return estimate_size(borrow_converter(pair.from_charset, pair.to_charset).get(), bytes);

@@ -10,6 +10,7 @@
 #include "zel/base/charset_names.h"
 #include "zel/base/escapes.h"
 #include "zel/base/frame.h"
+#include "zel/conversion/routes.h"
 
 #include <unicode/ucnv_cb.h>
 #include <unicode/ucnv_err.h>
@@ -78,6 +79,7 @@ unlinked_converter new_converter(const char *from_charset, const char *to_charse
     fresh->to_cnv = std::move(target.cnv);
     fresh->min_char_size = ucnv_getMinCharSize(fresh->from_cnv.get());
     fresh->max_char_size = target.max_char_size;
+    fresh->growth = growth_factor(from_charset, to_charset);
     fresh->from_name.reset(strdup(from_charset));
     fresh->to_name.reset(strdup(to_charset));
     if (!fresh->from_name || !fresh->to_name)
