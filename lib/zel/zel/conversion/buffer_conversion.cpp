@@ -144,11 +144,11 @@ charset_pair look_up(const char *from_charset, const char *to_charset) {
     return {from_charset, to_charset, false, nullptr, last_pair = find_pair(from_charset, to_charset)};
 }
 
-bool is_known(const charset_pair &pair) {
+bool has_converter(const charset_pair &pair) {
     return pair.cached || borrow_converter(pair.from_charset, pair.to_charset);
 }
 
-bool come_to_know(charset_pair &pair) {
+bool open_pair(charset_pair &pair) {
     if (!pair.cached && borrow_converter(pair.from_charset, pair.to_charset))
         pair.cached = find_pair(pair.from_charset, pair.to_charset);
     return pair.cached;

@@ -28,13 +28,13 @@ struct charset_pair {
 charset_pair look_up(const char *from_charset, const char *to_charset);
 
 // Whether ICU has a converter for the pair.
-bool is_known(const charset_pair &pair);
+bool has_converter(const charset_pair &pair);
 
 // What the functions of bodies return where it has none.
 inline constexpr std::int32_t no_converter = -5;
 
-// The same, for a pair that is used more than once: asked for a new one, it puts the answer in.
-bool come_to_know(charset_pair &pair);
+// The same, for a pair that is used more than once: one that was not met yet is opened and put in.
+bool open_pair(charset_pair &pair);
 
 // As ZEL_GetResultBufferSize, for a text that is not empty by its length.
 std::int32_t result_size(const charset_pair &pair, std::size_t bytes);

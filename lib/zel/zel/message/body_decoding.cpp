@@ -39,7 +39,7 @@ bool is_korean_pair(const received_body &from) {
 // The Korean and the HZ pair need no converter of ICU, so they are not asked for one, under any language.
 bool is_convertible(const received_body &from) {
     return same_name(from.pair.from_charset, from.pair.to_charset) || is_korean_pair(from) ||
-           goes_between(from, ianaHZ, ianaGB2312) || is_known(from.pair);
+           goes_between(from, ianaHZ, ianaGB2312) || has_converter(from.pair);
 }
 
 std::int32_t estimate(const received_body &from) {

@@ -104,7 +104,7 @@ int32_t ZEL_LocalToInternetMessageBody(const char *language, const char *from_ch
     if (id == no_language)
         return unknown_language;
     body from = decide(id, from_charset, from_buf, qp_for_8bit != 0);
-    if (!from.same && !come_to_know(from.pair))
+    if (!from.same && !open_pair(from.pair))
         return no_converter;
     if (to_size < 0)
         return estimate(from);

@@ -192,35 +192,35 @@ word_conversion choose_conversion(const header_pass &pass, const char *charset) 
     if (same_name(charset, pass.to_charset))
         return {word_way::copy, {}, nullptr};
     charset_pair pair = look_up(charset, pass.to_charset);
-    if (!come_to_know(pair))
+    if (!open_pair(pair))
         return {word_way::raw, {}, nullptr};
     const route *direct = find_route(scope::headers, charset, pass.to_charset);
     return {direct ? word_way::direct : word_way::by_pair, pair, direct};
 }
 
-struct known_charset {
+struct recent_charset {
     char buf[longest_charset + 1];
     std::string_view name; // in buf
     word_conversion chosen;
 };
 
 // The charsets of words that came before, which are as a rule those of the next ones too.
-struct known_charsets {
-    std::array<known_charset, 4> latest;
+struct recent_charsets {
+    std::array<recent_charset, 4> latest;
     std::size_t met = 0;
 };
 
-known_charset *find_known(std::string_view charset, known_charsets &known) {
-    for (std::size_t i = 0; i < std::min(known.met, known.latest.size()); ++i)
-        if (known.latest[i].name == charset)
-            return &known.latest[i];
+recent_charset *find_recent(std::string_view charset, recent_charsets &recent) {
+    for (std::size_t i = 0; i < std::min(recent.met, recent.latest.size()); ++i)
+        if (recent.latest[i].name == charset)
+            return &recent.latest[i];
     return nullptr;
 }
 
-void learn(const header_pass &pass, std::string_view charset, known_charset &known) {
-    *std::copy(charset.begin(), charset.end(), known.buf) = '\0';
-    known.name = {known.buf, charset.size()};
-    known.chosen = choose_conversion(pass, known.buf);
+void remember(const header_pass &pass, std::string_view charset, recent_charset &recent) {
+    *std::copy(charset.begin(), charset.end(), recent.buf) = '\0';
+    recent.name = {recent.buf, charset.size()};
+    recent.chosen = choose_conversion(pass, recent.buf);
 }
 
 bool is_b(const encoded_word &word) {
@@ -233,16 +233,16 @@ bool is_q(const encoded_word &word) {
 
 // A charset that could not be converted from may be by the next word, when there is memory again.
 const word_conversion &conversion_of(const header_pass &pass, const encoded_word &word,
-                                     known_charsets &known) {
+                                     recent_charsets &recent) {
     static constexpr word_conversion undecoded = {word_way::raw, {}, nullptr};
     if (!is_b(word) && !is_q(word))
         return undecoded;
-    known_charset *found = find_known(word.charset, known);
+    recent_charset *found = find_recent(word.charset, recent);
     if (found && found->chosen.how != word_way::raw)
         return found->chosen;
     if (!found)
-        found = &known.latest[known.met++ % known.latest.size()];
-    learn(pass, word.charset, *found);
+        found = &recent.latest[recent.met++ % recent.latest.size()];
+    remember(pass, word.charset, *found);
     return found->chosen;
 }
 
@@ -252,8 +252,8 @@ std::string_view decode(const header_pass &pass, const encoded_word &word) {
     return {pass.decoded, length};
 }
 
-bool put_word(const header_pass &pass, const encoded_word &word, known_charsets &known, output &to) {
-    const word_conversion &chosen = conversion_of(pass, word, known);
+bool put_word(const header_pass &pass, const encoded_word &word, recent_charsets &recent, output &to) {
+    const word_conversion &chosen = conversion_of(pass, word, recent);
     if (chosen.how == word_way::raw)
         return put(to, word.raw);
     const std::string_view decoded = decode(pass, word);
@@ -288,9 +288,9 @@ void put_tail(const header_pass &pass, std::string_view tail, output &to) {
         put_some_converted(to, look_up(ianaISO2022JP, pass.to_charset), tail);
 }
 
-bool put_piece(const header_pass &pass, const piece &taken, known_charsets &known, output &to) {
+bool put_piece(const header_pass &pass, const piece &taken, recent_charsets &recent, output &to) {
     if (taken.what == piece::kind::word)
-        return put_word(pass, taken.word, known, to);
+        return put_word(pass, taken.word, recent, to);
     if (taken.what == piece::kind::tail)
         put_tail(pass, taken.text, to);
     else if (!put_some(to, taken.text))
@@ -300,8 +300,8 @@ bool put_piece(const header_pass &pass, const piece &taken, known_charsets &know
 
 void put_value(const header_pass &pass, output &to) {
     std::string_view rest = pass.text;
-    known_charsets known;
-    while (put_piece(pass, take_piece(rest, pass.longest_raw), known, to))
+    recent_charsets recent;
+    while (put_piece(pass, take_piece(rest, pass.longest_raw), recent, to))
         ;
 }
 
@@ -357,11 +357,11 @@ std::int32_t estimate(const header_pass &pass, std::int32_t from_len) {
     std::uint64_t documented = 0;
     bool needs_more = false;
     std::string_view rest = pass.text;
-    known_charsets known;
+    recent_charsets recent;
     for (bool ended = false; !ended;) {
         const piece taken = take_piece(rest, pass.longest_raw);
         const bool is_word = taken.what == piece::kind::word;
-        const word_conversion chosen = is_word ? conversion_of(pass, taken.word, known) : word_conversion{};
+        const word_conversion chosen = is_word ? conversion_of(pass, taken.word, recent) : word_conversion{};
         documented += documented_size(pass, taken, chosen);
         needs_more = needs_more || may_need_more(pass, taken, chosen);
         ended = ends_value(taken);

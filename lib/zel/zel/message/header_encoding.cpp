@@ -222,8 +222,9 @@ std::uint64_t bound_b_words(const header_value &value, std::uint64_t converted) 
     const std::uint64_t frame = std::strlen(value.charset) + word_frame + fold_length;
     const std::uint64_t escaped = words * longest_character; // a word switches sets, and is padded
     if (value.how == encoding::b_words_ja)                   // broken text may switch within a word
-        converted = std::max(converted, bytes * 8);
-    return bytes + bytes / 20 + words * frame + (converted + escaped) / 3 * 4 + 1;
+        converted = std::max(converted, bytes * longest_character);
+    const std::uint64_t folds = bytes * fold_length / line_limit;
+    return bytes + folds + words * frame + (converted + escaped) / 3 * 4 + 1;
 }
 
 // Text that ICU cannot convert goes out as it is, whatever size its conversion would have.
