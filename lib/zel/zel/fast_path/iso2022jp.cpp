@@ -48,16 +48,17 @@ struct jis_to_utf8 {
     // the run.
     bool put_pairs(cursors &whole, std::size_t bytes) const {
         cursors at = whole;
-        bool decided = true;
+        unsigned lacking = 0; // its highest bit is set by a character that has no second byte
         for (const unsigned char *const end = at.from + bytes; at.from < end; at.from += 2) {
             const utf8_character &character = table->pairs[load_two_bytes(at.from)];
             std::memcpy(at.to, &character, sizeof character);
             at.to += 2 + (character[2] >> 7);
-            decided &= character[1] != 0;
+            lacking |= character[1] - 1U;
         }
-        if (decided)
+        const bool is_decided = lacking >> 31 == 0;
+        if (is_decided)
             whole = at;
-        return decided;
+        return is_decided;
     }
 
     bool begins_run(unsigned char byte) const { return byte < 0x80 && (in_pairs || byte != ESC); }

@@ -163,11 +163,12 @@ vector_bytes join_pairs(const byte_pairs<Numbers> &pairs) {
     return reinterpret_cast<vector_bytes>(low | high << 8);
 }
 
-// Two bytes of text as a number, the first byte highest: their order among the characters of a charset.
+// Two bytes of text as a number, the first byte highest: their order among the characters of a charset. A
+// swap of 16 bits would keep the rest of its register, and so wait for what was in it.
 inline std::uint16_t load_two_bytes(const unsigned char *from) {
     std::uint16_t bytes;
     std::memcpy(&bytes, from, sizeof bytes);
-    return is_little_endian ? __builtin_bswap16(bytes) : bytes;
+    return is_little_endian ? static_cast<std::uint16_t>(__builtin_bswap32(bytes) >> 16) : bytes;
 }
 
 // Two bytes of text out of a number, the first byte lowest.
