@@ -9,6 +9,7 @@ set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zel)
 
 install(TARGETS zel EXPORT zelTargets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
         INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(TARGETS qorm EXPORT zelTargets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT support
@@ -37,5 +38,7 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/zelConfig.cmake ${CMAKE_CURRENT_BINARY
 
 file(RELATIVE_PATH pc_to_prefix /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
 string(REGEX REPLACE "/$" "" pc_to_prefix ${pc_to_prefix})
+list(TRANSFORM ZEL_RUNTIME PREPEND " -l" OUTPUT_VARIABLE runtime_options)
+list(JOIN runtime_options "" runtime_options)
 configure_file(cmake/zel.pc.in zel.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/zel.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)

@@ -1,9 +1,9 @@
 # The two libraries. libzel's object files are a target of their own, so that the tests of its internals link the very
 # code that is in libzel.so.
 
+set(ZEL_STATIC OFF)
 if(DEFINED BUILD_SHARED_LIBS AND NOT BUILD_SHARED_LIBS)
-    message(FATAL_ERROR "libzel is a shared library only, and BUILD_SHARED_LIBS is off: a project whose own libraries are "
-                        "static sets it to ON before it takes libzel by add_subdirectory.")
+    set(ZEL_STATIC ON)
 endif()
 
 function(refuse_without found what debian_package)
@@ -40,18 +40,25 @@ target_include_directories(zel_objects PUBLIC lib/zel/include lib/zel)
 target_link_libraries(zel_objects PUBLIC qorm PkgConfig::ICU PkgConfig::NSPR)
 target_compile_options(zel_objects PRIVATE ${ZEL_WARNINGS} -fno-exceptions)
 
-add_library(zel SHARED $<TARGET_OBJECTS:zel_objects>)
+set(zel_map ${PROJECT_SOURCE_DIR}/lib/zel/libzel.map)
+file(STRINGS ${zel_map} ZEL_EXPORTS REGEX "^ *[A-Za-z_][A-Za-z0-9_]*;$")
+list(TRANSFORM ZEL_EXPORTS REPLACE " *(.*);" "\\1")
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${zel_map})
+
+if(ZEL_STATIC)
+    include(cmake/static.cmake)
+else()
+    add_library(zel SHARED $<TARGET_OBJECTS:zel_objects>)
+    target_link_libraries(zel PRIVATE qorm PkgConfig::ICU PkgConfig::NSPR)
+    # No -Bsymbolic: what a host stores into the exported status word has to reach the library.
+    target_link_options(zel PRIVATE -Wl,--version-script=${zel_map} ${link_options})
+    set_target_properties(zel PROPERTIES
+        LINKER_LANGUAGE CXX
+        VERSION ${PROJECT_VERSION}
+        SOVERSION ${ZEL_ABI}
+        LINK_DEPENDS ${zel_map}
+        INSTALL_RPATH $ORIGIN)
+endif()
 add_library(zel::zel ALIAS zel)
 target_include_directories(zel PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/lib/zel/include>
                                       $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
-target_link_libraries(zel PRIVATE qorm PkgConfig::ICU PkgConfig::NSPR)
-
-# No -Bsymbolic: what a host stores into the exported status word has to reach the library.
-set(zel_map ${PROJECT_SOURCE_DIR}/lib/zel/libzel.map)
-target_link_options(zel PRIVATE -Wl,--version-script=${zel_map} ${link_options})
-set_target_properties(zel PROPERTIES
-    LINKER_LANGUAGE CXX
-    VERSION ${PROJECT_VERSION}
-    SOVERSION ${ZEL_ABI}
-    LINK_DEPENDS ${zel_map}
-    INSTALL_RPATH $ORIGIN)

@@ -21,20 +21,23 @@ if [ "$4" != - ]; then
     export PKG_CONFIG_LIBDIR="${pc%/*}" LD_LIBRARY_PATH="${pc%/*/*}" CMAKE_PREFIX_PATH="$work/moved"
 fi
 
-# shellcheck disable=SC2046
+libs="--cflags --libs"
+[ ! -e "$(pkg-config --variable=libdir zel)/libzel.a" ] || libs="$libs --static"
+
+# shellcheck disable=SC2046,SC2086
 "$3" -std=c99 -pedantic -Wall -Wextra -Werror "$5/tests/install/host.c" -o "$work/host" \
-    $(pkg-config --cflags --libs zel) -lqorm
+    $(pkg-config $libs zel) -lqorm
 run_host "$work/host" "$(pkg-config --variable=bundles_path zel)"
 
-# shellcheck disable=SC2046
-"$3" "$5/examples/direct.c" "$5/examples/host.c" -o "$work/direct" $(pkg-config --cflags --libs zel)
+# shellcheck disable=SC2046,SC2086
+"$3" "$5/examples/direct.c" "$5/examples/host.c" -o "$work/direct" $(pkg-config $libs zel)
 "$work/direct" "$5/examples/texts" >/dev/null
 
 for language in "c -std=c99" "cpp -std=c++17"; do
     file=readme.${language%% *}
     sed -n "/^\`\`\`${language%% *}\$/,/^\`\`\`/{/^\`\`\`/!p;}" "$5/README.md" >"$work/$file"
-    # shellcheck disable=SC2046
-    "$3" "${language#* }" "$work/$file" -o "$work/readme" $(pkg-config --cflags --libs zel) -lstdc++
+    # shellcheck disable=SC2046,SC2086
+    "$3" "${language#* }" "$work/$file" -o "$work/readme" $(pkg-config $libs zel) -lstdc++
     "$work/readme" | grep -q Café
 done
 
@@ -42,6 +45,6 @@ done
 program=$(PATH="$work/moved/bin:$PATH" command -v zel) || echo "the program was not built"
 [ -z "$program" ] || env -u LD_LIBRARY_PATH "$program" languages | grep -q '^ru *iso-8859-5 *iso-8859-5 '
 
-"$1" -G "$2" -S "$5/tests/install" -B "$work/build" -DCMAKE_C_COMPILER="$3" >/dev/null
+env -u PKG_CONFIG_LIBDIR "$1" -G "$2" -S "$5/tests/install" -B "$work/build" -DCMAKE_C_COMPILER="$3" >/dev/null
 "$1" --build "$work/build" >/dev/null
 run_host "$work/build/host" "$(cat "$work/build/bundles_path")"
