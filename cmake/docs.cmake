@@ -57,6 +57,6 @@ add_custom_command(TARGET docs POST_BUILD VERBATIM
                    COMMAND sed -i -f ${PROJECT_SOURCE_DIR}/cmake/man.sed ${pages}
                    COMMAND sed -i "s/^#include <zel.h>/#include <zel.hpp>/" ${face_pages})
 
-install(FILES ${pages} ${links} DESTINATION ${CMAKE_INSTALL_MANDIR}/man3 COMPONENT docs OPTIONAL)
-install(DIRECTORY ${docs_dir}/html DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT docs OPTIONAL
+install(FILES ${pages} ${links} DESTINATION ${CMAKE_INSTALL_MANDIR}/man3 OPTIONAL)
+install(DIRECTORY ${docs_dir}/html DESTINATION ${CMAKE_INSTALL_DOCDIR} OPTIONAL
         PATTERN *.js EXCLUDE PATTERN doxygen.svg EXCLUDE)

@@ -4,41 +4,39 @@
 
 include(CMakePackageConfigHelpers)
 
-set(ZEL_BUNDLES_DIR ${CMAKE_INSTALL_DATADIR}/zel)
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zel)
 
 install(TARGETS zel EXPORT zelTargets
-        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
-        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
         INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(TARGETS qorm EXPORT zelTargets
-        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT support
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
         INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-install(DIRECTORY lib/zel/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
-install(FILES lib/qorm/qorm.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
+install(DIRECTORY lib/zel/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(FILES lib/qorm/qorm.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 if(ZEL_TOOLS)
-    install(TARGETS compile_bundle RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT development)
-    install(DIRECTORY ${ZEL_BUILT_BUNDLES}/encbylang DESTINATION ${ZEL_BUNDLES_DIR} COMPONENT bundle)
-    install(FILES docs/zel-compile-bundle.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT development)
+    install(TARGETS compile_bundle RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+    install(DIRECTORY ${ZEL_BUILT_BUNDLES}/encbylang DESTINATION ${ZEL_BUNDLES_DIR})
+    install(FILES docs/zel-compile-bundle.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 endif()
 
 if(ZEL_TOOLS AND TARGET zel_program)
-    install(TARGETS zel_program RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT program)
-    install(FILES docs/zel.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT program)
-    install(FILES tools/zel/completion.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME zel
-            COMPONENT program)
+    install(TARGETS zel_program RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+    install(FILES docs/zel.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+    install(FILES tools/zel/completion.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME zel)
 endif()
 
 configure_package_config_file(cmake/zelConfig.cmake.in zelConfig.cmake
                               INSTALL_DESTINATION ${package_dir} PATH_VARS ZEL_BUNDLES_DIR)
 write_basic_package_version_file(zelConfigVersion.cmake COMPATIBILITY SameMajorVersion)
-install(EXPORT zelTargets NAMESPACE zel:: DESTINATION ${package_dir} COMPONENT development)
+install(EXPORT zelTargets NAMESPACE zel:: DESTINATION ${package_dir})
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/zelConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/zelConfigVersion.cmake
-        DESTINATION ${package_dir} COMPONENT development)
+        DESTINATION ${package_dir})
 
 file(RELATIVE_PATH pc_to_prefix /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
 string(REGEX REPLACE "/$" "" pc_to_prefix ${pc_to_prefix})
 list(TRANSFORM ZEL_RUNTIME PREPEND " -l" OUTPUT_VARIABLE runtime_options)
 list(JOIN runtime_options "" runtime_options)
 configure_file(cmake/zel.pc.in zel.pc @ONLY)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/zel.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/zel.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
