@@ -5,7 +5,7 @@
  *     #include <zel.hpp>
  *
  *     int main() {
- *         const zel::library library("/usr/share/zel");
+ *         const zel::library library("/usr/local/share/zel");
  *         std::puts(zel::read_header("=?iso-8859-1?Q?Caf=E9?=").c_str()); // Café
  *     }
  *
