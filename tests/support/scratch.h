@@ -40,7 +40,7 @@ inline std::string lengthened(std::string path, std::size_t size) {
 inline std::string compile_bundle(const std::string &source, const std::string &root) {
     std::ofstream(root + "/source.txt") << source;
     const std::string command = BUNDLE_COMPILER " '" + root + "/source.txt' '" + root + "' 2>&1";
-    const std::unique_ptr<FILE, decltype(&pclose)> pipe(popen(command.c_str(), "r"), pclose);
+    const std::unique_ptr<FILE, int (*)(FILE *)> pipe(popen(command.c_str(), "r"), pclose);
     std::string messages;
     for (int byte; pipe && (byte = std::fgetc(pipe.get())) != EOF;)
         messages += static_cast<char>(byte);
