@@ -1,18 +1,22 @@
-// Compiles a charset bundle: zel-compile-bundle SOURCE OUTPUT_DIRECTORY writes
-// OUTPUT_DIRECTORY/encbylang/en.res, so that OUTPUT_DIRECTORY is a bundle root for ZEL_Initialize.
+// Compiles a charset bundle: zel-compile-bundle [OPTION] SOURCE OUTPUT_DIRECTORY writes
+// OUTPUT_DIRECTORY/encbylang/en.res, so that OUTPUT_DIRECTORY is a bundle root for ZEL_Initialize. ICU reads
+// a bundle in the byte order of its processor alone: that is the one that this program is compiled for,
+// unless the option names the other.
 //
 // A line of the source is `KEY... = VALUE`: one or more keys, apart by blanks, that all have the value, in
 // which genrb's \u escapes may stand. de_{AT,DE} is short for de_AT de_DE. Empty lines and lines that begin
 // with "#" say nothing.
 //
 // genrb does the work, but takes neither "|" nor "@" in a key. So it is given numbers for keys, in the order
-// of the real keys and at least as long, and the real keys are put over them in its output.
+// of the real keys and at least as long, and the real keys are put over them in its output. It writes the
+// byte order of the machine that it runs on, and icupkg turns that round where another one is wanted.
 //
 // Invariant: the bundle appears whole or not at all, and a host that has the old one open keeps it.
 
 #include <unicode/ures.h>
 
 #include <algorithm>
+#include <bit>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -24,9 +28,12 @@
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include <spawn.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
@@ -114,21 +121,45 @@ void write_for_genrb(const bundle_source &source, const fs::path &path) {
         fail("cannot write " + path.string());
 }
 
-void run_genrb(const fs::path &directory, const std::string &source) {
-    const char *arguments[] = {
-        "genrb",           "-q",           "-e",   "UTF-8", "-s", directory.c_str(), "-d",
-        directory.c_str(), source.c_str(), nullptr};
+void add_to_path(const std::string &directory) {
+    const char *path = std::getenv("PATH");
+    setenv("PATH", ((path ? path : "/usr/bin") + (":" + directory)).c_str(), true);
+}
+
+void run(std::vector<const char *> arguments) {
+    arguments.push_back(nullptr);
+    const std::string tool = arguments[0];
     pid_t process = 0;
     int status = 0;
-    if (posix_spawnp(&process, arguments[0], nullptr, nullptr, const_cast<char **>(arguments), environ) != 0)
-        fail("cannot run genrb, which is among ICU's tools");
+    if (posix_spawnp(&process, arguments[0], nullptr, nullptr, const_cast<char **>(arguments.data()),
+                     environ) != 0)
+        fail("cannot run " + tool + ", which is among ICU's tools");
     if (waitpid(process, &status, 0) != process || status != 0)
-        fail("genrb failed");
+        fail(tool + " failed");
+}
+
+std::string bytes_of(const fs::path &path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// The head of ICU's data begins with its length, two bytes that mark it, the length of what it says of the
+// data, and two bytes that are kept free; then it says the byte order.
+std::endian byte_order(const fs::path &path) {
+    return bytes_of(path).at(8) ? std::endian::big : std::endian::little;
+}
+
+// Before the real keys are in it, as icupkg knows only letters that stand in every charset.
+void bring_into(std::endian order, const fs::path &path) {
+    if (byte_order(path) == order)
+        return;
+    const fs::path turned = path.string() + ".turned";
+    run({"icupkg", order == std::endian::big ? "-tb" : "-tl", path.c_str(), turned.c_str()});
+    fs::rename(turned, path);
 }
 
 void put_real_keys(const bundle_source &source, const fs::path &path) {
-    std::ifstream compiled(path, std::ios::binary);
-    std::string bytes{std::istreambuf_iterator<char>(compiled), {}};
+    std::string bytes = bytes_of(path);
     std::size_t number = 0;
     for (const auto &[key, value] : source) {
         const std::string number_key = stand_in(number++, key) + '\0';
@@ -168,27 +199,48 @@ fs::path make_scratch_directory(const fs::path &parent) {
     return path;
 }
 
-void compile(const fs::path &source_path, const fs::path &output_directory) {
+fs::path finished(const bundle_source &source, const fs::path &scratch, std::endian order) {
+    const fs::path directory = scratch / (order == std::endian::big ? "big" : "little");
+    fs::create_directory(directory);
+    const fs::path bundle = directory / "en.res";
+    fs::copy_file(scratch / "en.res", bundle);
+    bring_into(order, bundle);
+    put_real_keys(source, bundle);
+    if (order == std::endian::native)
+        check_that_icu_finds_keys(source, directory);
+    return bundle;
+}
+
+// ICU can only look into the bundle of its own byte order, so that one is made and checked in any case.
+void compile(const fs::path &source_path, const fs::path &output_directory, std::endian order) {
     const bundle_source source = read_source(source_path);
     const fs::path bundle = fs::absolute(output_directory) / "encbylang";
     fs::create_directories(bundle);
     const scratch_directory scratch{make_scratch_directory(bundle)};
+    const std::string directory = scratch.path;
     write_for_genrb(source, scratch.path / "en.txt");
-    run_genrb(scratch.path, "en.txt");
-    put_real_keys(source, scratch.path / "en.res");
-    check_that_icu_finds_keys(source, scratch.path);
-    fs::rename(scratch.path / "en.res", bundle / "en.res");
+    run({"genrb", "-q", "-e", "UTF-8", "-s", directory.c_str(), "-d", directory.c_str(), "en.txt"});
+    const fs::path checked = finished(source, scratch.path, std::endian::native);
+    const bool is_checked = order == std::endian::native;
+    fs::rename(is_checked ? checked : finished(source, scratch.path, order), bundle / "en.res");
 }
 
 } // namespace
 
 int main(int argc, char **argv) {
-    if (argc != 3) {
-        std::cerr << "usage: zel-compile-bundle SOURCE OUTPUT_DIRECTORY\n";
+    const std::string_view option = argc == 4 ? argv[1] : "";
+    std::endian order = std::endian::native;
+    if (option == "--big-endian")
+        order = std::endian::big;
+    else if (option == "--little-endian")
+        order = std::endian::little;
+    else if (argc != 3) {
+        std::cerr << "usage: zel-compile-bundle [--big-endian | --little-endian] SOURCE OUTPUT_DIRECTORY\n";
         return 2;
     }
+    add_to_path("/usr/sbin"); // where Debian has icupkg
     try {
-        compile(argv[1], argv[2]);
+        compile(argv[argc - 2], argv[argc - 1], order);
     } catch (const std::exception &fault) {
         std::cerr << "zel-compile-bundle: " << fault.what() << '\n';
         return 1;

@@ -37,9 +37,11 @@ inline std::string lengthened(std::string path, std::size_t size) {
 }
 
 // Gives what the compiler has to say: nothing when it went well.
-inline std::string compile_bundle(const std::string &source, const std::string &root) {
+inline std::string compile_bundle(const std::string &source, const std::string &root,
+                                  const std::string &option = "") {
     std::ofstream(root + "/source.txt") << source;
-    const std::string command = BUNDLE_COMPILER " '" + root + "/source.txt' '" + root + "' 2>&1";
+    const std::string command =
+        BUNDLE_COMPILER " " + option + " '" + root + "/source.txt' '" + root + "' 2>&1";
     const std::unique_ptr<FILE, int (*)(FILE *)> pipe(popen(command.c_str(), "r"), pclose);
     std::string messages;
     for (int byte; pipe && (byte = std::fgetc(pipe.get())) != EOF;)
