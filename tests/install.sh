@@ -10,7 +10,7 @@ trap 'rm -rf "$work"' EXIT
 DESTDIR=$work/image "$1" --install "$4" --prefix /usr >/dev/null
 mv "$work/image/usr" "$work/moved"
 pc=$(find "$work/moved" -name zel.pc)
-[ ! -x "$work/moved/bin/zel" ] || "$work/moved/bin/zel" languages | grep -q '^ru *iso-8859-5 *iso-8859-5 '
+[ ! -x "$work/moved/bin/zel" ] || ${EMULATOR-} "$work/moved/bin/zel" languages | grep -q '^ru *iso-8859-5 *iso-8859-5 '
 
 libs=--libs
 [ ! -e "${pc%/*/*}/libzel.a" ] || libs="--libs --static"
