@@ -111,7 +111,7 @@ utf16_text break_long_runs(utf16_text text) {
     const std::uint64_t capacity = length + length / longest_part;
     if (capacity > INT32_MAX)
         return {};
-    utf16_text broken = {allocate_units(capacity), 0};
+    utf16_text broken = {allocate_units(static_cast<std::size_t>(capacity)), 0};
     if (!broken.units)
         return broken;
     const UChar *const units = text.units.get();
