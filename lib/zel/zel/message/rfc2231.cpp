@@ -249,7 +249,7 @@ int32_t ZEL_LocalToRFC2231(const char *language, const char *param_name, const c
         *to_buf = '\0';
         return 0;
     }
-    const std::uint64_t formula = std::strlen(text) * 3 + std::strlen(param_name) + 40;
+    const std::uint64_t formula = std::uint64_t{std::strlen(text)} * 3 + std::strlen(param_name) + 40;
     if (to_size < 0 && !has_started()) // the formula asks nothing of the library
         return saturate(formula);
     const parameter names = names_of(language, param_name, text);
@@ -265,7 +265,7 @@ int32_t ZEL_RFC2231ToLocal(const char *, const char *text, const char *to_charse
         *to_buf = '\0';
         return 0;
     }
-    const std::uint64_t formula = std::strlen(text) * 2;
+    const std::uint64_t formula = std::uint64_t{std::strlen(text)} * 2;
     const extended_value value = split_value(text);
     const heap_string decoded = percent_decode(value.text);
     if (to_size < 0)
