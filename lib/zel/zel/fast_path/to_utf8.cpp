@@ -57,9 +57,9 @@ struct from_double_bytes {
             const std::size_t place = first_of(leads);
             const utf8_character &character = table->pairs[pair_numbers[place]];
             std::memcpy(slots + 2 * place, &character, sizeof character);
-            common &= std::bit_cast<std::uint32_t>(character);
+            common &= __builtin_bit_cast(std::uint32_t, character);
         }
-        return std::bit_cast<utf8_character>(common);
+        return __builtin_bit_cast(utf8_character, common);
     }
 
     static unsigned char *squeeze_zeros(unsigned char *to, const unsigned char *slots) {
