@@ -7,4 +7,4 @@ cd "$(dirname "$0")/.."
 build=build/plain-$1
 cmake -S . -B "$build" -DCMAKE_C_COMPILER="$1" -DCMAKE_CXX_COMPILER="$2" -DCMAKE_BUILD_TYPE=Release -DZEL_WERROR=ON
 cmake --build "$build" --parallel "$(nproc)"
-ctest --test-dir "$build" --output-on-failure -LE valgrind --parallel "$(nproc)"
+cd "$build" && ctest --output-on-failure -LE valgrind --parallel "$(nproc)"

@@ -1,10 +1,10 @@
 // Eight threads in all families at once, from the first conversion of the process on: converters are opened,
 // answers remembered and tables built while others read. Each result has to be what one thread then gets.
 
+#include "rendezvous.h"
 #include "support.h"
 #include "wire.h"
 
-#include <barrier>
 #include <thread>
 #include <vector>
 
@@ -113,7 +113,7 @@ TEST(Threads, eight_at_once_get_what_one_gets) {
     start_library();
     constexpr std::size_t threads = 8, rounds = 6;
     std::vector<std::vector<std::string>> results(threads * rounds);
-    std::barrier start(threads);
+    rendezvous start(threads);
     std::vector<std::thread> running;
     for (std::size_t thread = 0; thread < threads; ++thread)
         running.emplace_back([&, thread] {

@@ -1,6 +1,8 @@
 // Makes the tables of characters between Big5 and GB 2312 from ICU's converters and transliterators:
 //   make_tables DIRECTORY            writes them there
-//   make_tables --check DIRECTORY    says whether those there are the same
+//   make_tables --check DIRECTORY    says whether those there are the same; gives 77 where they cannot be, as
+//   this
+//                                    ICU is older than the one that they were made with
 //
 // A Big5 character goes to itself where GB 2312 has it, else to its simplified form, and a symbol of the rows
 // A1 to A3 to the nearest one. On the way back a character in common use stays itself, and any other becomes
@@ -37,6 +39,7 @@ void require(bool holds, const std::string &what) {
     std::exit(1);
 }
 
+constexpr int release_of_tables = 72; // ICU 67 has another way back for a character
 constexpr code first_lead = 0xA1;
 
 code lead_of(code pair) {
@@ -305,10 +308,13 @@ int main(int argc, char **argv) {
          {std::pair(big5_layout, made.big5_to_gb), std::pair(gb_layout, made.gb_to_big5)}) {
         const std::string path = directory + form.file;
         const std::string text = source_text(form, map);
-        if (check)
-            require(content_of(path) == text, path + " is not what this ICU gives");
-        else
+        if (!check)
             write(path, text);
+        else if (content_of(path) != text && U_ICU_VERSION_MAJOR_NUM < release_of_tables) {
+            std::cerr << "skipped: the tables are those of ICU " << release_of_tables << '\n';
+            return 77;
+        } else
+            require(content_of(path) == text, path + " is not what this ICU gives");
     }
     report(made);
 }

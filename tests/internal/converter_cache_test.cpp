@@ -2,13 +2,13 @@
 // when memory runs out in the library or inside ICU.
 
 #include "failing_allocation.h"
+#include "rendezvous.h"
 #include "support.h"
 
 #include "zel/conversion/converter_cache.h"
 
 #include <unicode/uclean.h>
 
-#include <barrier>
 #include <map>
 #include <set>
 #include <thread>
@@ -93,7 +93,7 @@ constexpr std::size_t workers = 8;
 constexpr const char *shared_charsets[] = {"koi8-r", "Shift_JIS", "euc-kr", "big5"};
 
 // At each step all threads borrow the same pair at once, and before it two each another.
-void borrow_in_step(std::size_t worker, std::barrier<> &all) {
+void borrow_in_step(std::size_t worker, rendezvous &all) {
     for (std::size_t step = 0; step < 60; ++step) {
         const char *other = shared_charsets[(worker + step) % std::size(shared_charsets)];
         all.arrive_and_wait();
@@ -108,7 +108,7 @@ void borrow_in_step(std::size_t worker, std::barrier<> &all) {
 TEST(ConverterCache, has_eight_records_of_a_pair_for_eight_threads_and_goes_back_to_the_first) {
     start_library();
     const EncodingConverter *head = list_head();
-    std::barrier<> all(workers);
+    rendezvous all(workers);
     std::vector<std::thread> threads;
     for (std::size_t worker = 0; worker < workers; ++worker)
         threads.emplace_back(borrow_in_step, worker, std::ref(all));
