@@ -80,7 +80,6 @@ TEST_F(Face, refuses_what_cannot_be_done) {
         [] { zel::encode_body("de", "é", "not-a-charset"); },
         [] { zel::encode_vcard("de", "é", "not-a-charset"); },
         [] { zel::decode_body("de", "not-a-charset", "a"); },
-        [] { zel::date("de", "GMT", std::time_t{1} << 31); },
         [] { zel::date("de", "GMT", 1, "not-a-charset"); },
         [&] { zel::write_header("de", nul); },
         [] { zel::write_header("de", "\xE9"); },
@@ -90,6 +89,10 @@ TEST_F(Face, refuses_what_cannot_be_done) {
     };
     for (std::size_t call = 0; call < std::size(calls); ++call)
         EXPECT_THROW(calls[call](), zel::error) << call;
+    const auto late = static_cast<std::time_t>(std::int64_t{1} << 31);
+    if (late > 0) { // it has more than 32 bits
+        EXPECT_THROW(zel::date("de", "GMT", late), zel::error);
+    }
 }
 
 } // namespace
