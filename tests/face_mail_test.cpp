@@ -146,6 +146,22 @@ TEST_F(Mail, is_written_in_parameters_and_bodies_without_loss) {
     EXPECT_EQ(zel::write_body("ja", std::string(999, 'a')).transfer_encoding, "quoted-printable");
 }
 
+TEST_F(Mail, is_written_in_pages_with_references_for_what_the_charset_lacks) {
+    const std::string_view text = "<p title=\"\\~\">é 日〜① ー〇 🙂</p>";
+    const row rows[] = {
+        {"de", "<p title=\"\\~\">\xE9 &#26085;&#12316;&#9312; &#12540;&#12295; &#128578;</p>"},
+        {"ja", "<p title=\"\\~\">&#233; \x93\xFA&#12316;&#9312; \x81\x5B\x81\x5A &#128578;</p>"},
+        {"zh-CN", "<p title=\"\\~\">\xA8\xA6 \xC8\xD5&#12316;\xA2\xD9 &#12540;&#12295; &#128578;</p>"},
+    };
+    for (const row &row : rows) {
+        EXPECT_EQ(zel::write_page(row.in, text).bytes, row.out);
+        EXPECT_EQ(zel::write_page(row.in, text).charset, zel::web_charset(row.in));
+    }
+    for (const char *charset : {"utf-16", "utf-7", "hz-gb-2312", "iso-2022-jp", "iso-2022-kr", "x-none"})
+        EXPECT_FALSE(zel::detail::is_for_pages(charset)) << charset;
+    EXPECT_THROW(zel::write_page("ja", "\x93\xFA"), zel::error);
+}
+
 TEST_F(Mail, is_labelled_for_what_it_is_though_nothing_is_converted) {
     gf_ZELStatus = ZEL_STATUS_PASSTHROUGH;
     EXPECT_EQ(zel::write_header("de", "é"), "=?utf-8?B?w6k=?=");

@@ -32,6 +32,7 @@
 #include <ctime>
 #include <iterator>
 #include <limits>
+#include <map>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -448,6 +449,7 @@ inline std::string repaired(std::string_view charset, std::string_view text) {
 } // namespace face
 } // namespace zel
 
+#include "zel_page.hpp"
 #include "zel_read.hpp"
 #include "zel_write.hpp"
 

@@ -79,6 +79,13 @@ inline std::string in_charset(std::string_view text, const std::string &charset)
                                                        : converted(text, "utf-8", charset.c_str());
 }
 
+/* Whether every reader gets a text back from a charset; `row` names that of its disputes. */
+inline bool is_held(std::string_view text, const std::string &charset, std::string_view row) {
+    const std::optional<std::string_view> reader = known_charset(charset);
+    return gf_ZELStatus == ZEL_STATUS_INITIALIZED && reader && is_agreed_on(text, row) &&
+           read_bytes(in_charset(text, charset), *reader, "us-ascii") == text;
+}
+
 /* The charset that a text goes out in: that of its language if it comes back from there. */
 inline std::string charset_of(std::string_view language, std::string_view text) {
     if (!is_utf8(text))
@@ -87,10 +94,7 @@ inline std::string charset_of(std::string_view language, std::string_view text) 
         return "us-ascii";
     std::string charset = mail_charset(language);
     std::transform(charset.begin(), charset.end(), charset.begin(), small);
-    const std::optional<std::string_view> reader = known_charset(charset);
-    const bool is_held = gf_ZELStatus == ZEL_STATUS_INITIALIZED && reader && is_agreed_on(text, charset) &&
-                         read_bytes(in_charset(text, charset), *reader, "us-ascii") == text;
-    return is_held ? charset : "utf-8";
+    return is_held(text, charset, charset) ? charset : "utf-8";
 }
 
 /* Letters, digits and some marks. */
