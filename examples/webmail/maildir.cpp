@@ -1,0 +1,93 @@
+#include "maildir.h"
+
+#include "compose.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <fstream>
+
+namespace {
+
+constexpr std::size_t largest_letter = 64 << 20;
+
+// All of a file, or the head of its message, which ends at an empty line.
+std::string read_file(const std::filesystem::path &path, std::size_t limit, bool is_head) {
+    std::ifstream file(path, std::ios::binary);
+    std::string bytes;
+    for (char piece[8 << 10]; file && bytes.size() < limit;) {
+        file.read(piece, sizeof piece);
+        bytes.append(piece, static_cast<std::size_t>(file.gcount()));
+        const std::size_t end =
+            is_head ? std::min(bytes.find("\n\n"), bytes.find("\n\r\n")) : std::string::npos;
+        if (end != std::string::npos)
+            return bytes.substr(0, end + 1);
+    }
+    return bytes;
+}
+
+void write_file(const std::filesystem::path &path, const std::string &bytes) {
+    const std::unique_ptr<FILE, int (*)(FILE *)> file(fopen(path.c_str(), "wbx"), &fclose);
+    if (!file || fwrite(bytes.data(), 1, bytes.size(), file.get()) != bytes.size() ||
+        fflush(file.get()) != 0 || fsync(fileno(file.get())) != 0)
+        throw std::runtime_error("cannot write " + path.string());
+}
+
+} // namespace
+
+maildir::maildir(std::filesystem::path path) : path_(std::move(path)) {
+    for (const char *directory : {"tmp", "new", "cur"})
+        create_directories(path_ / directory);
+}
+
+// Links are not followed out of the Maildir. A letter that is moved meanwhile is met again where it went, or
+// next time.
+void maildir::add(letters &found, const std::filesystem::directory_entry &entry) const {
+    constexpr std::size_t longest_head = 256 << 10;
+    std::error_code error;
+    const std::string file = entry.path().filename(), name = file.substr(0, file.find(":2,"));
+    if (file[0] == '.' || entry.symlink_status(error).type() != std::filesystem::file_type::regular)
+        return;
+    const auto known = known_->find(name);
+    const bool is_seen = file.find('S', name.size() + 3) != std::string::npos;
+    letter seen = {entry.path(), entry.file_size(error), entry.last_write_time(error), is_seen, nullptr};
+    if (error)
+        return;
+    if (known != known_->end() && known->second.written == seen.written && known->second.size == seen.size)
+        seen.head = known->second.head;
+    else
+        seen.head = std::make_shared<summary>(read_message(read_file(seen.file, longest_head, true)).head);
+    found.insert_or_assign(name, std::move(seen));
+}
+
+std::shared_ptr<const letters> maildir::list() {
+    const std::lock_guard guard(lock_);
+    auto found = std::make_shared<letters>();
+    for (const char *directory : {"new", "cur"})
+        for (const auto &entry : std::filesystem::directory_iterator(path_ / directory))
+            add(*found, entry);
+    return known_ = found;
+}
+
+std::optional<std::string> maildir::read(const std::string &name) {
+    const auto all = list();
+    const auto found = all->find(name);
+    if (found == all->end())
+        return std::nullopt;
+    const std::filesystem::path &file = found->second.file;
+    std::string flags =
+        file.filename().string().substr(std::min(name.size(), file.filename().native().size()));
+    flags = (flags.empty() ? ":2," : flags) + (found->second.is_seen ? "" : "S");
+    std::sort(flags.begin() + 3, flags.end());
+    const std::filesystem::path seen = path_ / "cur" / (name + flags);
+    std::error_code error; // another reader may have been first
+    rename(file, seen, error);
+    return exists(seen) ? std::optional(read_file(seen, largest_letter, false)) : std::nullopt;
+}
+
+std::string maildir::deliver(const std::string &bytes) {
+    const std::string name = std::to_string(std::time(nullptr)) + '.' + secret() + ".webmail";
+    write_file(path_ / "tmp" / name, bytes);
+    rename(path_ / "tmp" / name, path_ / "new" / name);
+    return name;
+}
