@@ -162,6 +162,35 @@ TEST_F(Mail, is_written_in_pages_with_references_for_what_the_charset_lacks) {
     EXPECT_THROW(zel::write_page("ja", "\x93\xFA"), zel::error);
 }
 
+TEST_F(Mail, is_written_in_pages_as_text) {
+    const row rows[] = {
+        {"<a title=\"'\">&amp;", "&lt;a title=&quot;&#39;&quot;&gt;&amp;amp;"},
+        {"a\0b\x1B\x7F\t\r\n"s, "a\uFFFDb\uFFFD\uFFFD\t\r\n"},
+        {"\u0085\u00A0\xC2<", "\uFFFD\u00A0\uFFFD&lt;"},
+        {"日🙂", "日🙂"},
+    };
+    for (const row &row : rows)
+        EXPECT_EQ(zel::escape_html(row.in), row.out) << row.in;
+}
+
+TEST_F(Mail, is_read_in_the_language_that_its_reader_likes_best) {
+    const row rows[] = {
+        {"ja", "ja"},
+        {"de-AT, en", "de"},
+        {"en;q=0.5, fr ;q=0.91,it;q=.9", "fr"},
+        {"xx, ko-KR;q=0.1", "ko"},
+        {"zh-Hant-HK,zh", "zh-TW"},
+        {"ZH-hans", "zh-CN"},
+        {"nb-NO", "no"},
+        {"ja;q=0, sv;q=0.001", "sv"},
+        {"en;q=0.5;x, sv;q=1.000", "sv"},
+        {"", "-"},
+        {"xx, -, ;q=1, ja;q=x, ja;q=0.000", "-"},
+    };
+    for (const row &row : rows)
+        EXPECT_EQ(zel::preferred_language(row.in).value_or("-"), row.out) << row.in;
+}
+
 TEST_F(Mail, is_labelled_for_what_it_is_though_nothing_is_converted) {
     gf_ZELStatus = ZEL_STATUS_PASSTHROUGH;
     EXPECT_EQ(zel::write_header("de", "é"), "=?utf-8?B?w6k=?=");

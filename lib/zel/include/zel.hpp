@@ -249,7 +249,8 @@ inline bool is_double_byte(std::string_view language) {
     return ZEL_IsDBCSLanguage(ZEL_GetIntLanguageID(detail::terminated(language).c_str())) != 0;
 }
 
-/** The first 16 pieces of a list such as the value of Accept-Language; quality values stay on them. */
+/** The first 16 pieces of a list such as the value of Accept-Language; quality values stay on them, as
+ * preferred_language() reads them. */
 inline std::vector<std::string> accepted_languages(std::string_view list) {
     char rows[16][18];
     const std::int32_t count = ZEL_AcceptLangList(detail::terminated(list).c_str(), rows);
