@@ -1,15 +1,11 @@
 #include "maildir.h"
 
-#include "compose.h"
-
 #include <unistd.h>
 
 #include <algorithm>
 #include <fstream>
 
 namespace {
-
-constexpr std::size_t largest_letter = 64 << 20;
 
 // All of a file, or the head of its message, which ends at an empty line.
 std::string read_file(const std::filesystem::path &path, std::size_t limit, bool is_head) {
@@ -18,9 +14,8 @@ std::string read_file(const std::filesystem::path &path, std::size_t limit, bool
     for (char piece[8 << 10]; file && bytes.size() < limit;) {
         file.read(piece, sizeof piece);
         bytes.append(piece, static_cast<std::size_t>(file.gcount()));
-        const std::size_t end =
-            is_head ? std::min(bytes.find("\n\n"), bytes.find("\n\r\n")) : std::string::npos;
-        if (end != std::string::npos)
+        if (const std::size_t end = std::min(bytes.find("\n\n"), bytes.find("\n\r\n"));
+            is_head && end < bytes.size())
             return bytes.substr(0, end + 1);
     }
     return bytes;
@@ -40,29 +35,27 @@ maildir::maildir(std::filesystem::path path) : path_(std::move(path)) {
         create_directories(path_ / directory);
 }
 
-// Links are not followed out of the Maildir. A letter that is moved meanwhile is met again where it went, or
-// next time.
-void maildir::add(letters &found, const std::filesystem::directory_entry &entry) const {
-    constexpr std::size_t longest_head = 256 << 10;
+// Links are not followed out of the Maildir. A letter that is moved meanwhile is met again where it went.
+void maildir::add(letter_list &found, const std::filesystem::directory_entry &entry) const {
     std::error_code error;
     const std::string file = entry.path().filename(), name = file.substr(0, file.find(":2,"));
     if (file[0] == '.' || entry.symlink_status(error).type() != std::filesystem::file_type::regular)
         return;
     const auto known = known_->find(name);
-    const bool is_seen = file.find('S', name.size() + 3) != std::string::npos;
-    letter seen = {entry.path(), entry.file_size(error), entry.last_write_time(error), is_seen, nullptr};
+    const std::string flags = name == file ? "" : file.substr(name.size() + 3);
+    letter seen = {entry.path(), entry.file_size(error), entry.last_write_time(error), flags, nullptr};
     if (error)
         return;
     if (known != known_->end() && known->second.written == seen.written && known->second.size == seen.size)
         seen.head = known->second.head;
     else
-        seen.head = std::make_shared<summary>(read_message(read_file(seen.file, longest_head, true)).head);
+        seen.head = std::make_shared<summary>(read_message(read_file(seen.file, 256 << 10, true)).head);
     found.insert_or_assign(name, std::move(seen));
 }
 
-std::shared_ptr<const letters> maildir::list() {
+std::shared_ptr<const letter_list> maildir::list() {
     const std::lock_guard guard(lock_);
-    auto found = std::make_shared<letters>();
+    auto found = std::make_shared<letter_list>();
     for (const char *directory : {"new", "cur"})
         for (const auto &entry : std::filesystem::directory_iterator(path_ / directory))
             add(*found, entry);
@@ -70,19 +63,19 @@ std::shared_ptr<const letters> maildir::list() {
 }
 
 std::optional<std::string> maildir::read(const std::string &name) {
-    const auto all = list();
-    const auto found = all->find(name);
-    if (found == all->end())
+    auto all = (std::lock_guard(lock_), known_);
+    if (!all->count(name) || !exists(all->at(name).file))
+        all = list();
+    if (!all->count(name))
         return std::nullopt;
-    const std::filesystem::path &file = found->second.file;
-    std::string flags =
-        file.filename().string().substr(std::min(name.size(), file.filename().native().size()));
-    flags = (flags.empty() ? ":2," : flags) + (found->second.is_seen ? "" : "S");
-    std::sort(flags.begin() + 3, flags.end());
-    const std::filesystem::path seen = path_ / "cur" / (name + flags);
+    std::string flags = all->at(name).flags;
+    flags += flags.find('S') == std::string::npos ? "S" : "";
+    std::sort(flags.begin(), flags.end());
+    const std::filesystem::path seen = path_ / "cur" / (name + ":2," + flags);
     std::error_code error; // another reader may have been first
-    rename(file, seen, error);
-    return exists(seen) ? std::optional(read_file(seen, largest_letter, false)) : std::nullopt;
+    rename(all->at(name).file, seen, error);
+    return is_regular_file(symlink_status(seen)) ? std::optional(read_file(seen, 64 << 20, false))
+                                                 : std::nullopt;
 }
 
 std::string maildir::deliver(const std::string &bytes) {

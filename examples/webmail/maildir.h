@@ -14,11 +14,11 @@ struct letter {
     std::filesystem::path file;
     std::uintmax_t size;
     std::filesystem::file_time_type written;
-    bool is_seen;
+    std::string flags; // in the order of their letters
     std::shared_ptr<const summary> head;
 };
 
-using letters = std::map<std::string, letter>; // by name
+using letter_list = std::map<std::string, letter>; // by name
 
 // Its functions throw std::runtime_error where the file system does not let them.
 class maildir {
@@ -27,7 +27,7 @@ public:
     explicit maildir(std::filesystem::path path);
 
     // Reads the heads of letters that have come since the last call.
-    std::shared_ptr<const letters> list();
+    std::shared_ptr<const letter_list> list();
 
     // The bytes of a letter that is listed, which counts as seen then.
     std::optional<std::string> read(const std::string &name);
@@ -36,9 +36,9 @@ public:
     std::string deliver(const std::string &bytes);
 
 private:
-    void add(letters &found, const std::filesystem::directory_entry &entry) const;
+    void add(letter_list &found, const std::filesystem::directory_entry &entry) const;
 
     const std::filesystem::path path_;
     std::mutex lock_; // guards the list
-    std::shared_ptr<const letters> known_ = std::make_shared<letters>();
+    std::shared_ptr<const letter_list> known_ = std::make_shared<letter_list>();
 };

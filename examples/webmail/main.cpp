@@ -1,56 +1,47 @@
-// A web mailbox over a Maildir.
+// A web mailbox over a Maildir. It has no login: whoever reaches its address reads and sends the mail.
 //
 //     webmail --maildir DIR [--listen 127.0.0.1:8025]
-//
-// It has no login: whoever reaches its address reads the mail.
 
-#include "server.h"
 #include "site.h"
 
-#include <csignal>
 #include <gmime/gmime.h>
+
+#include <csignal>
 #include <iostream>
-#include <zel.hpp>
 
 namespace {
 
-constexpr char usage[] = "usage: webmail --maildir DIR [--listen ADDRESS:PORT]\n";
-
 // Until somebody stops it.
-void serve(const std::string &directory, const std::string &listen) {
+void serve(const std::string &directory, const std::string &address, const std::string &port) {
     sigset_t ends;
     sigemptyset(&ends);
     sigaddset(&ends, SIGINT);
     sigaddset(&ends, SIGTERM);
     pthread_sigmask(SIG_BLOCK, &ends, nullptr);
-    const std::size_t colon = listen.rfind(':');
-    const std::string address = listen.substr(0, colon);
-    const bool is_loopback = address.rfind("127.", 0) == 0;
-    site site(directory,
-              is_loopback ? std::vector{address, std::string("localhost")} : std::vector<std::string>());
-    const server server(address, static_cast<std::uint16_t>(std::stoul(listen.substr(colon + 1))),
-                        [&](const request &asked) { return site.answer(asked); });
+    maildir letters(directory);
+    const server server(address, static_cast<std::uint16_t>(std::stoul(port)),
+                        [&](const request &asked) { return answer(letters, asked); });
     std::cout << "http://" << address << ':' << server.port() << "/ shows " << directory
               << "\nThere is no login: whoever reaches this address reads and sends the mail." << std::endl;
-    int signal = 0;
-    sigwait(&ends, &signal);
+    sigwaitinfo(&ends, nullptr);
 }
 
 } // namespace
 
 int main(int argc, char **argv) {
-    std::map<std::string, std::string> options = {{"--listen", "127.0.0.1:8025"}};
+    values options = {{"--listen", "127.0.0.1:8025"}};
     for (int at = 1; at + 1 < argc; at += 2)
         options[argv[at]] = argv[at + 1];
-    if (argc % 2 == 0 || options.size() != 2 || options.count("--maildir") == 0) {
-        std::cerr << usage;
+    const std::string listen = options["--listen"], port = listen.substr(listen.find(':') + 1);
+    if (argc % 2 == 0 || options.size() != 2 || !options.count("--maildir")) {
+        std::cerr << "usage: webmail --maildir DIR [--listen ADDRESS:PORT]\n";
         return 2;
     }
     try {
         const char *bundles = getenv("ZEL_BUNDLES");
         const zel::library library(bundles ? bundles : DEFAULT_BUNDLES);
         g_mime_init();
-        serve(options["--maildir"], options["--listen"]);
+        serve(options["--maildir"], listen.substr(0, listen.find(':')), port);
     } catch (const std::exception &error) {
         std::cerr << "webmail: " << error.what() << '\n';
         return 1;

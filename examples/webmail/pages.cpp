@@ -5,9 +5,6 @@
 
 #include <glib.h>
 
-namespace {
-
-// What goes around each page. The choice of a language leads to the same place again.
 html framed(const request &asked, const html &title, const html &content) {
     const reader reader = reader_of(asked);
     html query, languages;
@@ -16,58 +13,54 @@ html framed(const request &asked, const html &title, const html &content) {
             query += R"(<input type="hidden" name="{name}" value="{value}">)"_html.with(
                 {{"name", name}, {"value", value}});
     for (const std::string &language : zel::languages()) {
-        const html chosen = language == reader.language ? " selected"_html.with({}) : html();
+        const html chosen = language == reader.language ? " selected"_html : html();
         languages += R"(<option value="{tag}" lang="{lang}"{chosen}>{name}</option>)"_html.with(
-            {{"chosen", chosen}}, words_of(language));
+            {{"chosen", chosen}}, words.at(language));
     }
     const std::string path = asked.method == "POST" ? "/write" : asked.path;
     return frame_html.with(
         {{"title", title}, {"path", path}, {"query", query}, {"languages", languages}, {"content", content}},
-        words_of(reader.language));
+        words.at(reader.language));
 }
 
-std::string kilobytes(std::size_t size) {
-    return std::to_string((size + 1023) / 1024);
-}
+namespace {
 
-struct row {
-    std::string name, sender, subject;
-    const letter *mail;
-};
+using row = const letter_list::value_type *;
 
 // By what is shown. Of equals the newest is first.
 void sort_rows(std::vector<row> &rows, const std::string &language, const std::string &key) {
-    std::sort(rows.begin(), rows.end(), [&](const row &one, const row &other) {
-        const int order = key == "sender"    ? zel::compare(language, one.sender, other.sender)
-                          : key == "subject" ? zel::compare(language, one.subject, other.subject)
+    std::sort(rows.begin(), rows.end(), [&](row one, row other) {
+        const summary &mine = *one->second.head, &others = *other->second.head;
+        const int order = key == "sender"    ? zel::compare(language, mine.sender, others.sender)
+                          : key == "subject" ? zel::compare(language, mine.subject, others.subject)
                                              : 0;
-        return std::tuple(order, other.mail->head->time, one.name) <
-               std::tuple(0, one.mail->head->time, other.name);
+        return std::tuple(order, others.time, one->first) < std::tuple(0, mine.time, other->first);
     });
 }
 
 } // namespace
 
-html list_page(const request &asked, const letters &all) {
+html list_page(const request &asked, const letter_list &all) {
     constexpr std::size_t length = 50; // of a page
     const reader reader = reader_of(asked);
     const std::string said = asked.said("sort"), key = said == "sender" || said == "subject" ? said : "date";
     std::vector<row> rows;
-    for (const auto &[name, mail] : all)
-        rows.push_back(
-            {name, mail.head->sender, mail.head->subject.empty() ? "—" : mail.head->subject, &mail});
+    for (const auto &letter : all)
+        rows.push_back(&letter);
     sort_rows(rows, reader.language, key);
     const std::size_t pages = std::max<std::size_t>(1, (rows.size() + length - 1) / length);
     const std::size_t page =
         std::clamp<std::size_t>(std::strtoul(asked.said("page").c_str(), nullptr, 10), 1, pages);
     html lines;
-    for (std::size_t at = (page - 1) * length; at < std::min(page * length, rows.size()); ++at)
-        lines += line_html.with({{"state", rows[at].mail->is_seen ? "seen" : "new"},
-                                 {"sender", rows[at].sender},
-                                 {"name", percent_encoded(rows[at].name)},
-                                 {"title", rows[at].subject},
-                                 {"time", reader.date(rows[at].mail->head->time, "")},
-                                 {"kilobytes", kilobytes(rows[at].mail->size)}});
+    for (std::size_t at = (page - 1) * length; at < std::min(page * length, rows.size()); ++at) {
+        const auto &[name, letter] = *rows[at];
+        lines += line_html.with({{"flags", letter.flags},
+                                 {"sender", letter.head->sender},
+                                 {"name", percent_encoded(name)},
+                                 {"title", letter.head->subject},
+                                 {"time", reader.date(letter.head->time, "")},
+                                 {"kilobytes", std::to_string(letter.size / 1024 + 1)}});
+    }
     const html content = list_html.with({{"by-sender", key == "sender" ? "ascending" : "none"},
                                          {"by-subject", key == "subject" ? "ascending" : "none"},
                                          {"by-date", key == "date" ? "descending" : "none"},
@@ -77,8 +70,8 @@ html list_page(const request &asked, const letters &all) {
                                          {"page", std::to_string(page)},
                                          {"pages", std::to_string(pages)},
                                          {"page-behind", std::to_string(std::min(page + 1, pages))}},
-                                        words_of(reader.language));
-    return framed(asked, words_of(reader.language).at("mailbox"), content);
+                                        words.at(reader.language));
+    return framed(asked, words.at(reader.language).at("mailbox"), content);
 }
 
 html letter_page(const request &asked, const message &letter) {
@@ -94,36 +87,30 @@ html letter_page(const request &asked, const message &letter) {
             files += file_html.with({{"name", name},
                                      {"number", number},
                                      {"title", part.name.empty() ? number : part.name},
-                                     {"kilobytes", kilobytes(part.bytes.size())}});
+                                     {"kilobytes", std::to_string(part.bytes.size() / 1024 + 1)}});
     }
-    const html content = letter_html.with({{"title", letter.head.subject},
-                                           {"sender", letter.from},
-                                           {"receiver", letter.to},
-                                           {"copy", letter.cc},
-                                           {"time", reader.date(letter.head.time, letter.date)},
+    const html content = letter_html.with({{"sender", letter.headers.at("From")},
+                                           {"receiver", letter.headers.at("To")},
+                                           {"copy", letter.headers.at("Cc")},
+                                           {"time", reader.date(letter.head.time, letter.headers.at("Date"))},
                                            {"texts", texts},
                                            {"files", files},
                                            {"name", name}},
-                                          words_of(reader.language));
+                                          words.at(reader.language));
     return framed(asked, letter.head.subject, content);
 }
 
-html compose_page(const request &asked, const draft &typed, const std::string &token,
-                  const std::string &complaint) {
-    const values &words = words_of(reader_of(asked).language);
+html compose_page(const request &asked, values typed, const std::string &complaint) {
+    const values &said = words.at(reader_of(asked).language);
     const html content = write_html.with({{"complaint", complaint},
-                                          {"token", token},
-                                          {"answered", typed.answer},
-                                          {"sender", typed.from},
-                                          {"receiver", typed.to},
-                                          {"title", typed.subject},
-                                          {"content", typed.text}},
-                                         words);
-    return framed(asked, words.at("write"), content);
-}
-
-html notice_page(const request &asked, const std::string &notice) {
-    return framed(asked, notice, "<h1>{notice}</h1>\n"_html.with({{"notice", notice}}));
+                                          {"token", typed["token"]},
+                                          {"answered", typed["answer"]},
+                                          {"sender", typed["from"]},
+                                          {"receiver", typed["to"]},
+                                          {"title", typed["subject"]},
+                                          {"content", typed["text"]}},
+                                         said);
+    return framed(asked, said.at("write"), content);
 }
 
 std::string percent_encoded(const std::string &text) {

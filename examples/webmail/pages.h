@@ -2,14 +2,15 @@
 
 #pragma once
 
-#include "compose.h"
 #include "html.h"
 #include "maildir.h"
+#include "server.h"
 
-html list_page(const request &asked, const letters &all);
+// A page around its content. The choice of a language leads to the same place again.
+html framed(const request &asked, const html &title, const html &content);
+
+html list_page(const request &asked, const letter_list &all);
 html letter_page(const request &asked, const message &letter);
-html compose_page(const request &asked, const draft &typed, const std::string &token,
-                  const std::string &complaint);
-html notice_page(const request &asked, const std::string &notice);
+html compose_page(const request &asked, values typed, const std::string &complaint);
 
 std::string percent_encoded(const std::string &text);

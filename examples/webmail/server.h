@@ -3,14 +3,9 @@
 
 #pragma once
 
-#include <cstdint>
+#include "html.h"
+
 #include <functional>
-#include <map>
-#include <string>
-
-inline constexpr std::size_t largest_body = 10 << 20;
-
-using values = std::map<std::string, std::string>;
 
 struct field {
     std::string value, file_name, type; // the last two of an upload, as the browser says them
@@ -20,7 +15,7 @@ struct request {
     std::string method, path, host, languages;
     values query, cookies;
     std::map<std::string, field> form;
-    bool is_too_large = false; // its body was not kept
+    bool is_refused = false; // its body is no form, or has more than 10 MB or 32 fields
 
     std::string said(const std::string &name) const { return query.count(name) ? query.at(name) : ""; }
 };
@@ -33,16 +28,12 @@ struct response {
 
 using handler = std::function<response(const request &)>;
 
+// Serves on an address of IPv4 until the end of its scope. Throws std::runtime_error if it cannot.
 class server {
 public:
-    // Throws std::runtime_error if it cannot listen on the address, which is one of IPv4; port 0 takes a free
-    // one.
     server(const std::string &address, std::uint16_t port, handler answer);
     ~server();
-    server(const server &) = delete;
-    server &operator=(const server &) = delete;
-
-    std::uint16_t port() const;
+    std::uint16_t port() const; // a free one, if it was to be 0
 
 private:
     handler answer_;

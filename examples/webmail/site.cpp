@@ -6,116 +6,103 @@
 
 namespace {
 
-response page(const request &asked, const html &html, unsigned status = 200) {
-    const zel::page page = zel::write_page(reader_of(asked).language, html.bytes());
+const std::string token = secret(); // in our forms alone
+
+response page(const request &asked, const html &content, unsigned status = 200) {
+    const zel::page page = zel::write_page(reader_of(asked).language, content.bytes());
     return {status, {{"Content-Type", "text/html; charset=" + page.charset}}, page.bytes};
 }
 
 response notice(const request &asked, unsigned status, const std::string &text) {
-    return page(asked, notice_page(asked, text), status);
-}
-
-// A browser opens nothing of it; its name is in the form of RFC 8187.
-response download(const part &part, const std::string &number) {
-    const std::string name = percent_encoded(zel::read_body("utf-8", part.name.empty() ? number : part.name));
-    return {200,
-            {{"Content-Type", "application/octet-stream"},
-             {"Content-Disposition", "attachment; filename*=UTF-8''" + name}},
-            part.bytes};
+    return page(asked, framed(asked, text, html()), status);
 }
 
 // What the form of an answer holds before anybody types.
-draft answer_to(const message &letter, const std::string &name) {
-    const std::string &subject = letter.head.subject;
-    draft answer = {"", letter.to, letter.answer_to, (subject.rfind("Re: ", 0) == 0 ? "" : "Re: ") + subject};
-    answer.answer = name;
+values answer_to(const message &letter, const std::string &name) {
+    const std::string &subject = letter.head.subject, &reply_to = letter.headers.at("Reply-To");
+    std::string quotation;
     for (const part &part : letter.parts) {
         std::istringstream lines(part.text.value_or(""));
         for (std::string line; std::getline(lines, line);)
-            answer.text += "> " + line + '\n';
+            quotation += "> " + line + '\n';
     }
-    return answer;
+    return {{"token", token},
+            {"answer", name},
+            {"from", letter.headers.at("To")},
+            {"to", reply_to.empty() ? letter.headers.at("From") : reply_to},
+            {"subject", (subject.rfind("Re: ", 0) == 0 ? "" : "Re: ") + subject},
+            {"text", quotation}};
 }
 
-draft draft_of(const request &asked) {
-    std::map<std::string, field> form = asked.form;
-    const auto typed = [&](const char *name) { return zel::read_body("utf-8", form[name].value); };
-    draft draft = {reader_of(asked).language, typed("from"), typed("to"), typed("subject"), typed("text")};
-    draft.file_name = on_one_line(zel::read_body("utf-8", form["file"].file_name));
-    draft.file_type = form["file"].type;
-    draft.file = form["file"].value;
-    draft.answer = typed("answer");
-    return draft;
+response send(maildir &letters, const request &asked) {
+    values typed;
+    for (const auto &[name, field] : asked.form)
+        typed[name] = zel::read_body("utf-8", name == "file" ? field.file_name : field.value);
+    if (asked.is_refused)
+        return notice(asked, 413, "More than 10 MB");
+    if (typed["token"] != token)
+        return notice(asked, 403, "This form is old");
+    if (const auto answered = letters.read(typed["answer"])) {
+        message letter = read_message(*answered);
+        typed["id"] = letter.headers["Message-ID"];
+        typed["references"] = letter.headers["References"];
+    }
+    const field file = asked.form.count("file") ? asked.form.at("file") : field();
+    try {
+        const std::string written = write_message(reader_of(asked).language, typed,
+                                                  {on_one_line(typed["file"]), file.value, {}}, file.type);
+        return {303, {{"Location", "/letter?name=" + letters.deliver(written)}}, ""};
+    } catch (const std::invalid_argument &address) {
+        return page(asked, compose_page(asked, typed, "? " + std::string(address.what())), 422);
+    }
+}
+
+response show(maildir &letters, const request &asked) {
+    const std::string &path = asked.path, answered = asked.said("answer");
+    if (path == "/style.css")
+        return {200, {{"Content-Type", "text/css; charset=utf-8"}}, style_css};
+    if (path == "/zone.js")
+        return {200, {{"Content-Type", "text/javascript; charset=utf-8"}}, zone_js};
+    if (path == "/")
+        return page(asked, list_page(asked, *letters.list()));
+    const auto bytes = letters.read(path == "/write" ? answered : asked.said("name"));
+    const message letter = read_message(bytes.value_or(""));
+    const std::size_t number = std::strtoul(asked.said("number").c_str(), nullptr, 10);
+    const values typed = bytes ? answer_to(letter, answered) : values{{"token", token}};
+    if (path == "/write")
+        return page(asked, compose_page(asked, typed, ""));
+    if (bytes && path == "/source")
+        return {200, {{"Content-Type", "text/plain"}}, *bytes};
+    if (bytes && path == "/letter")
+        return page(asked, letter_page(asked, letter));
+    if (!bytes || path != "/part" || number >= letter.parts.size())
+        return notice(asked, 404, "Nothing is here");
+    const part &file =
+        letter.parts[number]; // of which a browser opens nothing; its name is in the form of RFC 8187
+    const std::string name = zel::read_body("utf-8", file.name.empty() ? asked.said("number") : file.name);
+    return {200,
+            {{"Content-Type", "application/octet-stream"},
+             {"Content-Disposition", "attachment; filename*=UTF-8''" + percent_encoded(name)}},
+            file.bytes};
 }
 
 } // namespace
 
-response site::send(const request &asked) {
-    if (asked.is_too_large)
-        return notice(asked, 413, "More than 10 MB");
-    const auto token = asked.form.find("token");
-    if (token == asked.form.end() || token->second.value != token_)
-        return notice(asked, 403, "This form is not of this mailbox");
-    draft draft = draft_of(asked);
-    if (const auto answered = letters_.read(draft.answer)) {
-        const message letter = read_message(*answered);
-        draft.answered = letter.id;
-        draft.references = letter.references;
-    }
-    try {
-        return {303, {{"Location", "/letter?name=" + letters_.deliver(written(draft))}}, ""};
-    } catch (const std::invalid_argument &address) {
-        return page(asked, compose_page(asked, draft, token_, std::string("? ") + address.what()), 422);
-    }
-}
-
-response site::show(const request &asked) {
-    const std::string &path = asked.path, name = asked.said("name");
-    const bool is_answer = path == "/write" && !asked.said("answer").empty();
-    if (path == "/")
-        return page(asked, list_page(asked, *letters_.list()));
-    if (path == "/write" && !is_answer)
-        return page(asked, compose_page(asked, {}, token_, ""));
-    const auto bytes = letters_.read(is_answer ? asked.said("answer") : name);
-    if (bytes && path == "/source")
-        return {200, {{"Content-Type", "text/plain"}}, *bytes};
-    const message letter = read_message(bytes.value_or(""));
-    const std::size_t number = std::strtoul(asked.said("number").c_str(), nullptr, 10);
-    if (bytes && is_answer)
-        return page(asked, compose_page(asked, answer_to(letter, asked.said("answer")), token_, ""));
-    if (bytes && path == "/letter")
-        return page(asked, letter_page(asked, letter));
-    if (bytes && path == "/part" && number < letter.parts.size())
-        return download(letter.parts[number], asked.said("number"));
-    return notice(asked, 404, "Nothing is here");
-}
-
-response site::find(const request &asked) {
+response answer(maildir &letters, const request &asked) {
     const std::string host = asked.host.substr(0, asked.host.find(':'));
-    if (!hosts_.empty() && std::find(hosts_.begin(), hosts_.end(), host) == hosts_.end())
-        return notice(asked, 421,
-                      "This mailbox has another name"); // which somebody else has given to its address
-    if (asked.method == "POST" && asked.path == "/send")
-        return send(asked);
-    if (asked.method != "GET" && asked.method != "HEAD")
-        return notice(asked, 405, "There is nothing to send here");
-    if (asked.path == "/style.css")
-        return {200, {{"Content-Type", "text/css"}}, style_css};
-    if (asked.path == "/zone.js")
-        return {200, {{"Content-Type", "text/javascript"}}, zone_js};
-    return show(asked);
-}
-
-response site::answer(const request &asked) {
-    response answer = find(asked);
-    answer.headers.merge(
-        values{{"Content-Security-Policy", "default-src 'none'; style-src 'self'; script-src 'self'; "
-                                           "form-action 'self'; base-uri 'none'; frame-ancestors 'none'"},
-               {"X-Content-Type-Options", "nosniff"},
-               {"Referrer-Policy", "no-referrer"},
-               {"Cache-Control", "no-store"}});
+    // Under a name that others give to this address their pages could read the mail. Numbers are nobody's.
+    const bool is_ours = host == "localhost" || host.find_first_not_of("0123456789.") == std::string::npos;
+    const bool is_question = asked.method == "GET" || asked.method == "HEAD", is_form = asked.path == "/send";
+    response answer = !is_ours      ? notice(asked, 421, "Ask by number")
+                      : is_question ? show(letters, asked)
+                      : is_form     ? send(letters, asked)
+                                    : notice(asked, 405, "Nothing is sent here");
+    answer.headers["Content-Security-Policy"] = "default-src 'none'; style-src 'self'; script-src 'self'; "
+                                                "form-action 'self'; base-uri 'none'; frame-ancestors 'none'";
+    answer.headers["X-Content-Type-Options"] = "nosniff";
+    answer.headers["Referrer-Policy"] = "no-referrer";
+    answer.headers["Cache-Control"] = "no-store";
     if (asked.query.count("language"))
-        answer.headers["Set-Cookie"] =
-            "language=" + reader_of(asked).language + "; Path=/; Max-Age=31536000; SameSite=Lax";
+        answer.headers["Set-Cookie"] = "language=" + reader_of(asked).language + "; Path=/; Max-Age=31536000";
     return answer;
 }

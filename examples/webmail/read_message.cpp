@@ -3,8 +3,6 @@
 #include <gmime/gmime.h>
 #include <zel.hpp>
 
-#include <memory>
-
 namespace {
 
 struct unref {
@@ -29,21 +27,14 @@ std::string read_line(const std::string &value) {
         zel::read_header(is_bare_japanese(value) ? zel::read_body("iso-2022-jp", value) : value));
 }
 
-// The name before the first address, or the address. Encoded words are read after that, as they may hold any
-// mark.
-std::string name_of(const std::string &value) {
-    bool is_quoted = false;
-    std::size_t end = 0;
-    for (; end < value.size() && (is_quoted || (value[end] != '<' && value[end] != ',')); ++end)
-        is_quoted = is_quoted != (value[end] == '"' && (end == 0 || value[end - 1] != '\\'));
-    std::string name = read_line(value.substr(0, end));
-    if (name.size() > 1 && name.front() == '"' && name.back() == '"')
-        name = on_one_line(name.substr(1, name.size() - 2));
-    for (std::size_t at = name.find('\\'); at != std::string::npos; at = name.find('\\', at + 1))
-        name.erase(at, 1);
-    const std::size_t close = value.find('>', end);
-    return !name.empty() || close == std::string::npos ? name
-                                                       : read_line(value.substr(end + 1, close - end - 1));
+// The name before the first address, or the address. Encoded words are read last, as they may hold any mark.
+std::string name_of(const std::string &from) {
+    std::string name = from.substr(0, from.find('<'));
+    name.erase(
+        std::remove_if(name.begin(), name.end(), [](char byte) { return byte == '"' || byte == '\\'; }),
+        name.end());
+    name = read_line(name);
+    return name.empty() ? read_line(from) : name;
 }
 
 std::optional<std::int64_t> read_time(const std::string &date) {
@@ -67,7 +58,6 @@ bool is_type(GMimeObject *object, const char *type, const char *subtype) {
 
 // Of a text in several forms the first is shown, which is the plainest, and of a long one the beginning.
 part part_of(GMimeObject *object, GMimeObject *parent) {
-    constexpr std::size_t longest_text = 1 << 20;
     const std::string type = raw_header(object, "Content-Type"),
                       place = raw_header(object, "Content-Disposition");
     const std::string name = zel::read_parameter(place, "filename").value_or("");
@@ -75,12 +65,11 @@ part part_of(GMimeObject *object, GMimeObject *parent) {
                  content_of(GMIME_PART(object)), std::nullopt};
     const bool is_other_form = is_type(parent, "multipart", "alternative") &&
                                g_mime_multipart_get_part(GMIME_MULTIPART(parent), 0) != object;
-    if (!is_type(object, "text", "*") || !read.name.empty() || is_other_form ||
-        g_mime_part_is_attachment(GMIME_PART(object)))
-        return read;
+    const bool is_file = !read.name.empty() || g_mime_part_is_attachment(GMIME_PART(object));
     const std::string charset =
         is_bare_japanese(read.bytes) ? "iso-2022-jp" : zel::read_parameter(type, "charset").value_or("");
-    read.text = zel::read_body(charset, read.bytes.substr(0, longest_text));
+    if (is_type(object, "text", "*") && !is_file && !is_other_form)
+        read.text = zel::read_body(charset, read.bytes.substr(0, 1 << 20));
     return read;
 }
 
@@ -98,22 +87,14 @@ message read_message(const std::string &bytes) {
     const owned<GMimeStream> stream(g_mime_stream_mem_new_with_buffer(bytes.data(), bytes.size()));
     const owned<GMimeParser> parser(g_mime_parser_new_with_stream(stream.get()));
     const owned<GMimeMessage> parsed(g_mime_parser_construct_message(parser.get(), nullptr));
-    if (!parsed)
-        return {};
     GMimeObject *object = GMIME_OBJECT(parsed.get());
-    const auto line = [&](const char *name) { return read_line(raw_header(object, name)); };
-    message read = {
-        {name_of(raw_header(object, "From")), line("Subject"), read_time(raw_header(object, "Date"))},
-        line("From"),
-        line("To"),
-        line("Cc"),
-        line("Date"),
-        line("Reply-To"),
-        line("Message-ID"),
-        line("References"),
-        {}};
-    if (read.answer_to.empty())
-        read.answer_to = read.from;
+    message read;
+    for (const char *name : {"From", "To", "Cc", "Subject", "Date", "Reply-To", "Message-ID", "References"})
+        read.headers[name] = object ? read_line(raw_header(object, name)) : "";
+    if (!object)
+        return read;
+    read.head = {name_of(raw_header(object, "From")), read.headers["Subject"],
+                 read_time(raw_header(object, "Date"))};
     const std::unique_ptr<GMimePartIter, decltype(&g_mime_part_iter_free)> parts(g_mime_part_iter_new(object),
                                                                                  &g_mime_part_iter_free);
     for (bool is_more = g_mime_part_iter_is_valid(parts.get()); is_more;
