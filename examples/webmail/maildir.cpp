@@ -35,22 +35,22 @@ maildir::maildir(std::filesystem::path path) : path_(std::move(path)) {
         create_directories(path_ / directory);
 }
 
-// Links are not followed out of the Maildir. A letter that is moved meanwhile is met again where it went.
+// Links are not followed out of the Maildir. A letter that is moved meanwhile is met again where it went, and
+// what stands under a name does not change.
 void maildir::add(letter_list &found, const std::filesystem::directory_entry &entry) const {
     std::error_code error;
     const std::string file = entry.path().filename(), name = file.substr(0, file.find(":2,"));
-    if (file[0] == '.' || entry.symlink_status(error).type() != std::filesystem::file_type::regular)
+    if (file[0] == '.' || entry.is_symlink(error) || !entry.is_regular_file(error))
         return;
     const auto known = known_->find(name);
-    const std::string flags = name == file ? "" : file.substr(name.size() + 3);
-    letter seen = {entry.path(), entry.file_size(error), entry.last_write_time(error), flags, nullptr};
-    if (error)
-        return;
-    if (known != known_->end() && known->second.written == seen.written && known->second.size == seen.size)
+    letter seen = {entry.path(), name == file ? "" : file.substr(name.size() + 3), 0, nullptr};
+    seen.size = known != known_->end() ? known->second.size : entry.file_size(error);
+    if (known != known_->end())
         seen.head = known->second.head;
     else
         seen.head = std::make_shared<summary>(read_message(read_file(seen.file, 256 << 10, true)).head);
-    found.insert_or_assign(name, std::move(seen));
+    if (!error)
+        found.insert_or_assign(name, std::move(seen));
 }
 
 std::shared_ptr<const letter_list> maildir::list() {

@@ -12,9 +12,8 @@
 
 struct letter {
     std::filesystem::path file;
-    std::uintmax_t size;
-    std::filesystem::file_time_type written;
     std::string flags; // in the order of their letters
+    std::uintmax_t size;
     std::shared_ptr<const summary> head;
 };
 

@@ -24,8 +24,8 @@ struct part {
 
 struct message {
     summary head;
-    values headers; // as they were sent, by their names
-    std::vector<part> parts;
+    values headers;          // as they were sent, by their names
+    std::vector<part> parts; // the first thousand
 };
 
 message read_message(const std::string &bytes);

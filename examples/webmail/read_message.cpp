@@ -86,8 +86,9 @@ std::string on_one_line(std::string text) {
 message read_message(const std::string &bytes) {
     const owned<GMimeStream> stream(g_mime_stream_mem_new_with_buffer(bytes.data(), bytes.size()));
     const owned<GMimeParser> parser(g_mime_parser_new_with_stream(stream.get()));
-    const owned<GMimeMessage> parsed(g_mime_parser_construct_message(parser.get(), nullptr));
-    GMimeObject *object = GMIME_OBJECT(parsed.get());
+    // As a part: a message would decode its addresses at once, in a way of GMime's own.
+    const owned<GMimeObject> parsed(g_mime_parser_construct_part(parser.get(), nullptr));
+    GMimeObject *object = parsed.get();
     message read;
     for (const char *name : {"From", "To", "Cc", "Subject", "Date", "Reply-To", "Message-ID", "References"})
         read.headers[name] = object ? read_line(raw_header(object, name)) : "";
@@ -97,7 +98,7 @@ message read_message(const std::string &bytes) {
                  read_time(raw_header(object, "Date"))};
     const std::unique_ptr<GMimePartIter, decltype(&g_mime_part_iter_free)> parts(g_mime_part_iter_new(object),
                                                                                  &g_mime_part_iter_free);
-    for (bool is_more = g_mime_part_iter_is_valid(parts.get()); is_more;
+    for (bool is_more = g_mime_part_iter_is_valid(parts.get()); is_more && read.parts.size() < 1000;
          is_more = g_mime_part_iter_next(parts.get()))
         if (GMimeObject *part = g_mime_part_iter_get_current(parts.get()); GMIME_IS_PART(part))
             read.parts.push_back(part_of(part, g_mime_part_iter_get_parent(parts.get())));

@@ -50,8 +50,7 @@ std::string ids(const std::string &text) {
 }
 
 std::string part_of(const std::string &type, const std::string &encoding, const std::string &bytes) {
-    return "Content-Type: " + type + "\r\nContent-Transfer-Encoding: " + encoding + "\r\n\r\n" + bytes +
-           "\r\n";
+    return "Content-Type: " + type + "\r\nContent-Transfer-Encoding: " + encoding + "\r\n\r\n" + bytes;
 }
 
 } // namespace
@@ -80,9 +79,9 @@ std::string write_message(const std::string &language, values typed, const part 
     const std::string kept =
         is_kept && is_visible(type, "()<>@,;:\\\"[]?=") ? type : "application/octet-stream";
     return head + "Content-Type: multipart/mixed; boundary=" + boundary + "\r\n\r\n--" + boundary + "\r\n" +
-           text + "--" + boundary + "\r\nContent-Disposition: attachment;\r\n " +
+           text + "\r\n--" + boundary + "\r\nContent-Disposition: attachment;\r\n " +
            zel::write_parameter(language, "filename", file.name) + "\r\n" +
-           part_of(kept, "base64", zel::encode_base64(file.bytes)) + "--" + boundary + "--\r\n";
+           part_of(kept, "base64", zel::encode_base64(file.bytes)) + "\r\n--" + boundary + "--\r\n";
 }
 
 std::string secret() {
