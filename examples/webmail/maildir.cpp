@@ -79,7 +79,7 @@ std::optional<std::string> maildir::read(const std::string &name) {
 }
 
 std::string maildir::deliver(const std::string &bytes) {
-    const std::string name = std::to_string(std::time(nullptr)) + '.' + secret() + ".webmail";
+    std::string name = std::to_string(std::time(nullptr)) + '.' + secret() + ".webmail";
     write_file(path_ / "tmp" / name, bytes);
     rename(path_ / "tmp" / name, path_ / "new" / name);
     return name;

@@ -77,7 +77,7 @@ part part_of(GMimeObject *object, GMimeObject *parent) {
 
 std::string on_one_line(std::string text) {
     for (char &byte : text)
-        if ((byte >= 0 && byte < ' ') || byte == 0x7F)
+        if (static_cast<unsigned char>(byte) < ' ' || byte == 0x7F)
             byte = ' ';
     text.erase(0, std::min(text.find_first_not_of(' '), text.size()));
     return text.erase(text.find_last_not_of(' ') + 1);

@@ -125,7 +125,8 @@ inline std::string escape_html(std::string_view text) {
     for (std::size_t at = 0; at < utf8.size(); ++at) {
         const char byte = utf8[at];
         const bool is_c1 = byte == '\xC2' && static_cast<unsigned char>(utf8[at + 1]) < 0xA0;
-        const bool is_c0 = (byte >= 0 && byte < ' ' && blanks.find(byte) == marks.npos) || byte == 0x7F;
+        const bool is_c0 =
+            (static_cast<unsigned char>(byte) < ' ' && blanks.find(byte) == marks.npos) || byte == 0x7F;
         const std::size_t mark = marks.find(byte);
         if (mark != marks.npos)
             html += references[mark];
