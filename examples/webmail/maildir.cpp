@@ -64,7 +64,7 @@ std::shared_ptr<const letter_list> maildir::list() {
 
 std::optional<std::string> maildir::read(const std::string &name) {
     auto all = (std::lock_guard(lock_), known_);
-    if (!all->count(name) || !exists(all->at(name).file))
+    if (!name.empty() && (!all->count(name) || !exists(all->at(name).file)))
         all = list();
     if (!all->count(name))
         return std::nullopt;

@@ -13,7 +13,9 @@ response page(const request &asked, const html &content, unsigned status = 200) 
     return {status, {{"Content-Type", "text/html; charset=" + page.charset}}, page.bytes};
 }
 
-response notice(const request &asked, unsigned status, const std::string &text) {
+// Its choice of a language leads home, not back to where nothing is.
+response notice(request asked, unsigned status, const std::string &text) {
+    asked.path = "/";
     return page(asked, framed(asked, text, html()), status);
 }
 

@@ -106,8 +106,9 @@ class WebMailbox(unittest.TestCase):
             for name in names:
                 answer = self.mailbox.ask(f"/{path}?number=0&name=" + urllib.parse.quote(name, safe=""))
                 self.assertEqual(answer.status, 404, name)
-        for path in ("/../secret", "/%2e%2e/secret", "/style.css/..", "/cur/", "/letter"):
-            self.assertEqual(self.mailbox.ask(path).status, 404, path)
+        for path in ("/../secret", "/%2e%2e/secret", "/style.css/..", "/cur/", "/letter", "//x.example/"):
+            answer = self.mailbox.ask(path)
+            self.assertEqual((answer.status, dict(answer.elements)["form"]), (404, {"action": "/"}), path)
 
     def test_shows_hostile_messages_as_text(self):
         messages = dict(corpus_messages())
