@@ -89,10 +89,11 @@ struct from_utf8 {
             copy_kept<Kept, Set>(at, block);
             return status::done;
         }
+        if (!is_well_formed(shape)) [[unlikely]]
+            return status::declined;
         const std::size_t length = whole_characters(shape, left(at));
         unsigned char looked_up[block_size + 1];
-        const bitmask64 kept =
-            is_well_formed(shape) ? look_up(looked_up, block, shape, first_bits(length)) : 0;
+        const bitmask64 kept = look_up(looked_up, block, shape, first_bits(length));
         if (!kept) [[unlikely]]
             return status::declined;
         at.to = squeeze_block<Set>(at.to, looked_up, kept);
