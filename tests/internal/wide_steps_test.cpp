@@ -3,7 +3,8 @@
 #include "support.h"
 
 #include "zel/codec/base64.h"
-#include "zel/simd/vector16.h"
+#include "zel/simd/padded_text.h"
+#include "zel/simd/utf8.h"
 
 #include <random>
 
@@ -18,6 +19,35 @@ TEST(WideSteps, gather_a_bit_for_each_byte) {
             mask.bytes[byte] = bits >> byte & 1 ? 0xFF : 0;
         ASSERT_EQ(bits_of(mask), bits);
         ASSERT_EQ(gathered_bits(mask), bits);
+    }
+}
+
+TEST(WideSteps, pad_a_text_of_each_length) {
+    for (std::string text; text.size() < 2 * block_size; text += static_cast<char>('A' + text.size() % 53)) {
+        const exact_buffer from(text);
+        padded_text<2 * block_size> padded;
+        const auto *const start = reinterpret_cast<const unsigned char *>(from.data());
+        const auto *const bytes = reinterpret_cast<const char *>(padded.copy(start, from.size(), '.'));
+        ASSERT_EQ(std::string(bytes, 2 * block_size), text + std::string(2 * block_size - text.size(), '.'));
+    }
+}
+
+TEST(WideSteps, read_utf8_alike_with_all_instructions) {
+    if (!has_avx2())
+        GTEST_SKIP() << "not on this processor";
+    std::mt19937 random;
+    for (int round = 0; round < 20000; ++round) {
+        unsigned char bytes[block_size];
+        std::generate(bytes, std::end(bytes),
+                      [&] { return static_cast<unsigned char>(random() | round % 2 << 7); });
+        const block64 block = load_block(bytes);
+        const utf8_block plain = utf8_shape<instructions::base>(block),
+                         wide = utf8_shape<instructions::avx2>(block);
+        std::uint16_t units[block_size], wide_units[block_size];
+        ASSERT_EQ(store_code_units<instructions::base>(units, block),
+                  store_code_units<instructions::avx2>(wide_units, block));
+        ASSERT_TRUE(std::equal(units, std::end(units), wide_units));
+        ASSERT_EQ(std::memcmp(&plain, &wide, sizeof plain), 0);
     }
 }
 

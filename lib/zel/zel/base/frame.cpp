@@ -1,7 +1,7 @@
-// The exported data that start-up fills, and the questions that every module asks of it. A broken contract of
-// a call ends in fail_assertion, which says so on stderr in every build and stops the process.
+// The exported data that start-up fills, and the lock that is held in a scope. A broken contract of a call
+// ends in fail_assertion, which says so on stderr in every build and stops the process.
 //
-// Invariant: only the status word changes while other threads are inside, and it is read as an atomic.
+// Invariant: only the status word changes while other threads are inside.
 
 #include "zel/base/frame.h"
 

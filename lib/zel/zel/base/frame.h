@@ -28,7 +28,7 @@ held_lock hold(PRRWLock *lock);
 // Contract violations stop the process in every build type.
 [[noreturn]] void fail_assertion(const char *expression, const char *source);
 
-// The host may store into the word while threads are inside.
+// Atomic, so that a host that stores while threads are inside tears nothing.
 inline std::int32_t status_word() {
     return std::atomic_ref<std::int32_t>(gf_ZELStatus).load(std::memory_order_relaxed);
 }

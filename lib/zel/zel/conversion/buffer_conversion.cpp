@@ -120,8 +120,8 @@ lent_converter borrow_for(const charset_pair &pair, std::string_view text) {
     return borrow_converter(pair.from_charset, pair.to_charset);
 }
 
-// What a thread looked up last, it mostly looks up again. It is a pair of the cache that no route serves;
-// such a record lives until the stop.
+// What a thread looked up last, it mostly looks up again. It is a pair of the cache that no route of
+// scope::buffers serves; such a record lives until the stop.
 thread_local EncodingConverter *last_pair = nullptr;
 
 bool is_last_pair(const char *from_charset, const char *to_charset) {
@@ -141,7 +141,10 @@ charset_pair look_up(const char *from_charset, const char *to_charset) {
         return {from_charset, to_charset, true, nullptr, nullptr};
     if (const route *direct = find_route(scope::buffers, from_charset, to_charset))
         return {from_charset, to_charset, false, direct, nullptr};
-    return {from_charset, to_charset, false, nullptr, last_pair = find_pair(from_charset, to_charset)};
+    EncodingConverter *found = find_pair(from_charset, to_charset);
+    if (found)
+        last_pair = found;
+    return {from_charset, to_charset, false, nullptr, found};
 }
 
 bool has_converter(const charset_pair &pair) {

@@ -20,9 +20,9 @@ struct EncodingConverter {
     std::atomic<std::int32_t> in_use;
     heap_string from_name;
     heap_string to_name;
-    std::int32_t min_char_size; // bytes a character of the source at least
-    std::int32_t max_char_size; // bytes a UTF-16 unit at most in the target
-    std::uint64_t growth;       // bytes a byte at most on a route that serves the pair; 0: none does
+    std::int32_t min_char_size;           // bytes a character of the source at least
+    std::int32_t max_char_size;           // bytes a UTF-16 unit at most in the target
+    std::uint64_t growth;                 // bytes a byte at most on a route; 0: max_char_size tells
     index_place<EncodingConverter> place; // of the pair, as is the fast path; in its first record alone
     fast_path path;
 };

@@ -5,6 +5,8 @@
 //     looked up       a   [82 a0  .]   b   [85 ..]       each code is stored over the character it replaces
 //     squeezed        a    82 a0       b    85           bytes that no code needs are left out
 //
+// Latin-1 letters that stand for themselves in the charset are not looked up: their codes are worked out.
+//
 // Invariant: a code is never longer than its character in UTF-8, so that it fits where that one stood.
 
 #include "zel/fast_path/characters.h"

@@ -52,7 +52,7 @@ struct from_double_bytes {
     utf8_character store_characters(unsigned char *slots, const block64 &block, bitmask64 leads) const {
         std::uint16_t pair_numbers[block_size];
         store_pair_numbers(pair_numbers, block);
-        std::uint32_t common = ~std::uint32_t{0};
+        std::uint32_t common = ~std::uint32_t{0}; // the builtin, as libstdc++ 10 lacks std::bit_cast
         for (; leads; leads = without_first(leads)) {
             const std::size_t place = first_of(leads);
             const utf8_character &character = table->pairs[pair_numbers[place]];

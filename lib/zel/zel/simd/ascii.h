@@ -14,7 +14,7 @@ constexpr bool is_special_control(unsigned char byte) {
     return (byte >= 0x0E && byte < 0x20) || byte == 0x7F;
 }
 
-inline vector_mask are_special_controls(vector_bytes bytes) {
+[[gnu::always_inline]] inline vector_mask are_special_controls(vector_bytes bytes) {
     return are_between(bytes, 0x0E, 0x1F) | are_byte(bytes, 0x7F);
 }
 

@@ -34,8 +34,9 @@ bitmask64 mask_of(const block64 &block, Predicate predicate) {
     return mask;
 }
 
+// Inlined with its predicate, so that both have the instructions of the caller.
 template <class Predicate>
-bool has_any(const block64 &block, Predicate predicate) {
+[[gnu::always_inline]] inline bool has_any(const block64 &block, Predicate predicate) {
     return any(predicate(block.vectors[0]) | predicate(block.vectors[1]) | predicate(block.vectors[2]) |
                predicate(block.vectors[3]));
 }

@@ -17,9 +17,9 @@ enum class instructions { base, avx2 };
 
 #ifdef __x86_64__
 #ifdef __clang__
-#define ZEL_AVX2 [[gnu::target("avx2,bmi,bmi2,lzcnt,popcnt")]]
-#else // which else loads two vectors as one where they have just been stored as two, for which the load waits
-#define ZEL_AVX2 [[gnu::target("avx2,bmi,bmi2,lzcnt,popcnt,prefer-vector-width=128")]]
+#define ZEL_AVX2 [[gnu::target("avx2,bmi,bmi2,popcnt")]]
+#else // g++ would merge two loads of 16 bytes into one, which waits where the two have just been stored apart
+#define ZEL_AVX2 [[gnu::target("avx2,bmi,bmi2,popcnt,prefer-vector-width=128")]]
 #endif
 inline bool has_avx2() {
     return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi") &&

@@ -95,7 +95,7 @@ inline bitmask64 store_code_units(std::uint16_t *units, const block64 &block) {
 
 ZEL_AVX2 inline __m256i half_of(const block64 &block, std::size_t first) {
     __m128i low = reinterpret_cast<__m128i>(block.vectors[first]);
-    asm("" : "+x"(low));
+    asm("" : "+x"(low)); // keeps g++ from merging both loads into one
     return _mm256_set_m128i(reinterpret_cast<__m128i>(block.vectors[first + 1]), low);
 }
 

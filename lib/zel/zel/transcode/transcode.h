@@ -7,9 +7,10 @@
 //
 // A block that a kernel declines goes character by character, and the next one is a block again.
 //
-// Invariant: a kernel reads nothing behind the text that is left, or behind the K::reads blanks that follow
-// it where that is less than K::reads, and it stores at most K::writes bytes, or as many as there is room
-// for. So nothing is read behind the text, and nothing stored behind the caller's buffer.
+// Invariant: a kernel reads no further than K::reads bytes from where its step begins, nor, where it takes a
+// chunk in one step, than a block from each place of the chunk; and it stores at most K::writes bytes, or as
+// many as there is room for. The rest of a text has so many blanks behind it. So nothing is read behind the
+// text, and nothing stored behind the caller's buffer.
 
 #pragma once
 
@@ -33,7 +34,8 @@ enum class when_full { give_up, keep_characters };
 // block_step takes something from an ordinary block, or from a few, and puts what it becomes; where the block
 // is none, it moves no cursor and declines. scalar_step takes one character, or one escape sequence: the
 // obvious code, against which the tests hold the block step. Where a text may end in a state that is not its
-// first one, finish(at) puts what belongs behind it, or says that the text is undecided.
+// first one, transcode_text also calls finish(at), which puts what belongs behind it, or says that the text
+// is undecided.
 template <class K>
 concept kernel = requires(K each, cursors &at) {
     requires K::reads >= block_size &&K::reads <= 2 * block_size;
