@@ -134,6 +134,7 @@ struct text_to_jis {
     jis_writer writer;
 
     static constexpr auto policy = when_full::keep_characters;
+    static constexpr auto set = instructions::base;
     static constexpr std::size_t reads = runs_read;
     static constexpr std::size_t writes = step_writes;
 
@@ -145,6 +146,7 @@ struct text_to_jis {
         return change_pairs(at, bytes, Charset::change_vector);
     }
 
+    bool in_singles() const { return !writer.in_kanji; }
     static bool begins_run(unsigned char byte) { return byte < 0x80 || Charset::is_lead(byte); }
     void take_runs(const chunk &of, std::size_t place, cursors &at) { take_led_runs(*this, of, place, at); }
 
@@ -198,6 +200,7 @@ struct text_from_jis {
     bool in_pairs = false; // for a step
 
     static constexpr auto policy = when_full::keep_characters;
+    static constexpr auto set = instructions::base;
     static constexpr std::size_t reads = runs_read;
     static constexpr std::size_t writes = step_writes;
     static constexpr std::size_t opening = 3;
@@ -219,6 +222,7 @@ struct text_from_jis {
         return at[0] == ESC && at[1] == '(' && (at[2] == 'B' || at[2] == 'J');
     }
 
+    bool in_singles() const { return current == mode::ASCII; }
     bool begins_run(unsigned char byte) const {
         return current == mode::KANJI ? byte >= ' ' && byte != DEL : current == mode::ASCII && byte < 0x80;
     }

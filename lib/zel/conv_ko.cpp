@@ -18,6 +18,7 @@ struct korean_text {
     bool in_pairs = false; // for a step
 
     static constexpr auto policy = when_full::keep_characters;
+    static constexpr auto set = instructions::base;
     static constexpr std::size_t reads = runs_read;
     static constexpr std::size_t writes = step_writes;
     static constexpr std::size_t opening = 1;
@@ -34,6 +35,7 @@ struct korean_text {
     static bool opens_pairs(const unsigned char *at) { return *at == SO; }
     static bool closes_pairs(const unsigned char *at) { return *at == SI; }
 
+    bool in_singles() const { return current != state::KOREAN; }
     bool begins_run(unsigned char byte) const {
         return current != state::UNDESIGNATED && (byte < 0x80 || current == state::KOREAN);
     }

@@ -14,6 +14,7 @@ struct hz_text {
     bool in_pairs = false; // of GB 2312
 
     static constexpr auto policy = when_full::keep_characters;
+    static constexpr auto set = instructions::base;
     static constexpr std::size_t reads = runs_read;
     static constexpr std::size_t writes = step_writes;
     static constexpr std::size_t opening = 2;
@@ -27,6 +28,7 @@ struct hz_text {
     static bool opens_pairs(const unsigned char *at) { return at[0] == '~' && at[1] == '{'; }
     static bool closes_pairs(const unsigned char *at) { return at[0] == '~' && at[1] == '}'; }
 
+    bool in_singles() const { return !in_pairs; }
     bool begins_run(unsigned char byte) const { return byte < 0x80 || in_pairs; }
     void take_runs(const chunk &of, std::size_t place, cursors &at) {
         take_shifted_runs(*this, of, place, at);
@@ -70,6 +72,8 @@ struct mapped_text {
     static constexpr std::size_t reads = block_size;
     static constexpr std::size_t writes = block_size;
 
+    static vector_mask are_leads(vector_bytes bytes) { return are_between(bytes, first_lead, last_lead); }
+
     static void map_character(unsigned char *to, const unsigned char *from) {
         const cell &other = map[place_of(from[0], from[1])];
         std::memcpy(to, &other, sizeof other);
@@ -77,10 +81,9 @@ struct mapped_text {
 
     static status block_step(cursors &at) {
         const block64 block = load_block(at.from);
-        const bitmask64 candidates =
-            mask_of(block, [](vector_bytes bytes) { return are_between(bytes, first_lead, last_lead); });
+        const bitmask64 candidates = mask_of(block, are_leads);
         if (!candidates) {
-            copy_kept<ascii::all, instructions::base>(at, block);
+            copy_kept<are_leads, instructions::base>(at, block);
             return status::done;
         }
         const std::size_t length = whole_characters(lead_bytes_among(candidates), left(at));

@@ -47,7 +47,7 @@ struct kept_ascii {
         const block64 block = load_block(at.from);
         if (has_any(block, are_not_kept<Kept>))
             return status::declined;
-        copy_kept<Kept, instructions::base>(at, block);
+        copy_kept<are_not_kept<Kept>, instructions::base>(at, block);
         return status::done;
     }
 

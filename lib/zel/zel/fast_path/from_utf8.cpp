@@ -88,7 +88,7 @@ struct from_utf8 {
         if (Kept == ascii::plain_text && has_any(block, are_special_controls)) [[unlikely]]
             return status::declined;
         if (!shape.high) {
-            copy_kept<Kept, Set>(at, block);
+            copy_kept<are_not_kept<Kept>, Set>(at, block);
             return status::done;
         }
         if (!is_well_formed(shape)) [[unlikely]]

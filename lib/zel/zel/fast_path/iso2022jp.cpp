@@ -30,6 +30,7 @@ struct jis_to_utf8 {
     bool in_pairs = false;
 
     static constexpr auto policy = when_full::give_up;
+    static constexpr auto set = Set;
     static constexpr std::size_t reads = runs_read;
     static constexpr std::size_t writes = 3 * block_size + step_writes;
     static constexpr std::size_t opening = longest_shift;
@@ -61,18 +62,13 @@ struct jis_to_utf8 {
         return is_decided;
     }
 
+    bool in_singles() const { return !in_pairs; }
     bool begins_run(unsigned char byte) const { return byte < 0x80 && (in_pairs || byte != ESC); }
     void take_runs(const chunk &of, std::size_t place, cursors &at) {
         take_shifted_runs(*this, of, place, at);
     }
 
-    status block_step(cursors &at) {
-        const block64 block = load_block(at.from);
-        if (in_pairs || has_any(block, ends_singles))
-            return take_chunk(*this, at);
-        copy_kept<ascii::plain_text, Set>(at, block);
-        return status::done;
-    }
+    status block_step(cursors &at) { return take_chunk(*this, at); }
 
     status scalar_step(cursors &at) {
         if (peek(at) == ESC) {
@@ -94,6 +90,7 @@ struct utf8_to_jis {
     jis_writer writer;
 
     static constexpr auto policy = when_full::give_up;
+    static constexpr auto set = Set;
     static constexpr std::size_t reads = runs_read;
     // The most comes of characters of two bytes and letters in turn, with an escape sequence in front of
     // each.
@@ -143,7 +140,7 @@ struct utf8_to_jis {
         if (has_any(block, are_special_controls) || !is_well_formed(shape)) [[unlikely]]
             return status::declined;
         if (!shape.high && !writer.in_kanji) {
-            copy_kept<ascii::plain_text, Set>(whole, block);
+            copy_kept<are_not_kept<ascii::plain_text>, Set>(whole, block);
             return status::done;
         }
         utf8_to_jis each = *this;

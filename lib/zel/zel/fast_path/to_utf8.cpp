@@ -77,7 +77,7 @@ struct from_double_bytes {
         if (Kept == ascii::plain_text && has_any(block, are_special_controls)) [[unlikely]]
             return status::declined;
         if (!high) {
-            copy_kept<Kept, Set>(at, block);
+            copy_kept<are_not_kept<Kept>, Set>(at, block);
             return status::done;
         }
         const std::size_t length = whole_characters(lead_bytes_among(high), left(at));
@@ -170,7 +170,7 @@ struct from_single_bytes {
         const block64 block = load_block(at.from);
         const bitmask64 high = mask_of(block, are_high);
         if (!high) {
-            copy_kept<ascii::all, Set>(at, block);
+            copy_kept<are_not_kept<ascii::all>, Set>(at, block);
             return status::done;
         }
         const std::size_t length = std::min(left(at), block_size);

@@ -76,15 +76,15 @@ inline void copy_vectors(unsigned char *to, const unsigned char *from, std::size
         store_vector(to + at, load_vector(from + at));
 }
 
-// Copies whole blocks of up to so many bytes, as long as all of a block is kept. Gives how many bytes it
-// were.
-template <ascii Kept>
-[[gnu::always_inline]] inline std::size_t copy_kept_blocks(unsigned char *to, const unsigned char *from,
-                                                           std::size_t length) {
+// Copies whole blocks of up to so many bytes, as long as a block has none that the predicate is for. Gives
+// how many bytes it were.
+template <auto &Ends>
+[[gnu::always_inline]] inline std::size_t copy_blocks(unsigned char *to, const unsigned char *from,
+                                                      std::size_t length) {
     std::size_t copied = 0;
     for (; length - copied >= block_size; copied += block_size) {
         const block64 block = load_block(from + copied);
-        if (has_any(block, are_not_kept<Kept>))
+        if (has_any(block, Ends))
             break;
         store_block(to + copied, block);
     }
@@ -93,28 +93,28 @@ template <ascii Kept>
 
 // The loop stays out of the kernels, whose registers it would take. It has the instructions of its caller: a
 // processor is slow where old instructions work on registers of which newer ones have set the upper half.
-template <ascii Kept>
-[[gnu::noinline]] std::size_t copy_kept_blocks_base(unsigned char *to, const unsigned char *from,
-                                                    std::size_t length) {
-    return copy_kept_blocks<Kept>(to, from, length);
+template <auto &Ends>
+[[gnu::noinline]] std::size_t copy_blocks_base(unsigned char *to, const unsigned char *from,
+                                               std::size_t length) {
+    return copy_blocks<Ends>(to, from, length);
 }
 
-template <ascii Kept>
-ZEL_AVX2 [[gnu::noinline]] std::size_t copy_kept_blocks_avx2(unsigned char *to, const unsigned char *from,
-                                                             std::size_t length) {
-    return copy_kept_blocks<Kept>(to, from, length);
+template <auto &Ends>
+ZEL_AVX2 [[gnu::noinline]] std::size_t copy_blocks_avx2(unsigned char *to, const unsigned char *from,
+                                                        std::size_t length) {
+    return copy_blocks<Ends>(to, from, length);
 }
 
-// Copies a block of which all is kept, and the blocks behind it of which that is true as well.
-template <ascii Kept, instructions Set>
+// Copies a block of which all is kept, and the blocks behind it of which that is true as well: none of their
+// bytes is one that the predicate is for.
+template <auto &Ends, instructions Set>
 inline void copy_kept(cursors &at, const block64 &block) {
     std::size_t length = std::min(left(at), block_size);
     store_block(at.to, block);
     const std::size_t most = std::min(left(at), room(at)) - length;
     if (most >= block_size)
-        length += Set == instructions::avx2
-                      ? copy_kept_blocks_avx2<Kept>(at.to + length, at.from + length, most)
-                      : copy_kept_blocks_base<Kept>(at.to + length, at.from + length, most);
+        length += Set == instructions::avx2 ? copy_blocks_avx2<Ends>(at.to + length, at.from + length, most)
+                                            : copy_blocks_base<Ends>(at.to + length, at.from + length, most);
     at.from += length;
     at.to += length;
 }

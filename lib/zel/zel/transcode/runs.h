@@ -162,8 +162,14 @@ void take_shifted_runs(Text &text, const chunk &of, std::size_t place, cursors &
 //   ends_singles, ends_pairs   the predicates of the bitmaps
 //   take_runs                  a step
 //   begins_run(byte)           false where a step would take nothing
+//   in_singles                 whether single bytes are copied as they are, where the text has come to
 template <class Text>
 status take_chunk(Text &text, cursors &whole) {
+    if (const block64 block = load_block(whole.from);
+        text.in_singles() && !has_any(block, Text::ends_singles)) {
+        copy_kept<Text::ends_singles, Text::set>(whole, block);
+        return status::done;
+    }
     chunk found;
     find_runs<Text>(found, whole);
     cursors at = whole;
