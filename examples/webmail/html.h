@@ -1,5 +1,5 @@
 // HTML that no text becomes part of: a text that is taken for html is escaped, and what is not is a literal
-// of the program, whose holes have names, as in "<td>{subject}</td>"_html.with({{"subject", subject}}).
+// of the program, whose holes have names, as in "<td>{subject}</td>"_html.with({"subject", subject}).
 
 #pragma once
 
@@ -16,10 +16,11 @@ public:
     const std::string &bytes() const { return bytes_; }
     void operator+=(const html &other) { bytes_ += other.bytes_; }
 
-    // A hole that is not among these is for a word of the language.
-    html with(std::initializer_list<std::pair<const std::string, html>> holes,
-              const values &words = {}) const {
-        const std::map<std::string, html> fillings = holes;
+    // Takes the name of a hole, then what fills it, and so on. The others are for words of the language.
+    html with(std::initializer_list<html> holes, const values &words = {}) const {
+        std::map<std::string, html> fillings;
+        for (const html *hole = holes.begin(); hole != holes.end(); hole += 2)
+            fillings[hole->bytes_] = hole[1];
         html filled;
         std::size_t start = 0;
         for (std::size_t hole; (hole = bytes_.find('{', start)) != std::string::npos;) {
@@ -34,12 +35,11 @@ public:
 
 private:
     friend html operator""_html(const char *text, std::size_t size);
+    html(const char *literal, std::size_t size) : bytes_(literal, size) {}
 
     std::string bytes_;
 };
 
 inline html operator""_html(const char *text, std::size_t size) {
-    html literal;
-    literal.bytes_.assign(text, size);
-    return literal;
+    return {text, size};
 }

@@ -1,5 +1,6 @@
 #include "maildir.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -21,13 +22,6 @@ std::string read_file(const std::filesystem::path &path, std::size_t limit, bool
     return bytes;
 }
 
-void write_file(const std::filesystem::path &path, const std::string &bytes) {
-    const std::unique_ptr<FILE, int (*)(FILE *)> file(fopen(path.c_str(), "wbx"), &fclose);
-    if (!file || fwrite(bytes.data(), 1, bytes.size(), file.get()) != bytes.size() ||
-        fflush(file.get()) != 0 || fsync(fileno(file.get())) != 0)
-        throw std::runtime_error("cannot write " + path.string());
-}
-
 } // namespace
 
 maildir::maildir(std::filesystem::path path) : path_(std::move(path)) {
@@ -37,28 +31,23 @@ maildir::maildir(std::filesystem::path path) : path_(std::move(path)) {
 
 // Links are not followed out of the Maildir. A letter that is moved meanwhile is met again where it went, and
 // what stands under a name does not change.
-void maildir::add(letter_list &found, const std::filesystem::directory_entry &entry) const {
-    std::error_code error;
-    const std::string file = entry.path().filename(), name = file.substr(0, file.find(":2,"));
-    if (file[0] == '.' || entry.is_symlink(error) || !entry.is_regular_file(error))
-        return;
-    const auto known = known_->find(name);
-    letter seen = {entry.path(), name == file ? "" : file.substr(name.size() + 3), 0, nullptr};
-    seen.size = known != known_->end() ? known->second.size : entry.file_size(error);
-    if (known != known_->end())
-        seen.head = known->second.head;
-    else
-        seen.head = std::make_shared<summary>(read_message(read_file(seen.file, 256 << 10, true)).head);
-    if (!error)
-        found.insert_or_assign(name, std::move(seen));
-}
-
 std::shared_ptr<const letter_list> maildir::list() {
     const std::lock_guard guard(lock_);
     auto found = std::make_shared<letter_list>();
     for (const char *directory : {"new", "cur"})
-        for (const auto &entry : std::filesystem::directory_iterator(path_ / directory))
-            add(*found, entry);
+        for (const auto &entry : std::filesystem::directory_iterator(path_ / directory)) {
+            std::error_code error;
+            const std::string file = entry.path().filename(), name = file.substr(0, file.find(":2,"));
+            if (file[0] == '.' || entry.is_symlink(error) || !entry.is_regular_file(error))
+                continue;
+            letter seen = known_->count(name) ? known_->at(name) : letter{{}, "", entry.file_size(error), {}};
+            if (!seen.head)
+                seen.head = std::make_shared<summary>(read_message(read_file(entry, 256 << 10, true)).head);
+            seen.file = entry.path();
+            seen.flags = name == file ? "" : file.substr(name.size() + 3);
+            if (!error)
+                found->insert_or_assign(name, std::move(seen));
+        }
     return known_ = found;
 }
 
@@ -68,19 +57,25 @@ std::optional<std::string> maildir::read(const std::string &name) {
         all = list();
     if (!all->count(name))
         return std::nullopt;
-    std::string flags = all->at(name).flags;
+    auto [file, flags, size, head] = all->at(name);
     flags += flags.find('S') == std::string::npos ? "S" : "";
     std::sort(flags.begin(), flags.end());
     const std::filesystem::path seen = path_ / "cur" / (name + ":2," + flags);
-    std::error_code error; // another reader may have been first
-    rename(all->at(name).file, seen, error);
-    return is_regular_file(symlink_status(seen)) ? std::optional(read_file(seen, 64 << 20, false))
+    // Another reader may have been first; where nothing can be moved the letter is read where it is.
+    const bool is_moved =
+        renameat2(AT_FDCWD, file.c_str(), AT_FDCWD, seen.c_str(), RENAME_NOREPLACE) == 0 || !exists(file);
+    file = is_moved ? seen : file;
+    return is_regular_file(symlink_status(file)) ? std::optional(read_file(file, 64 << 20, false))
                                                  : std::nullopt;
 }
 
 std::string maildir::deliver(const std::string &bytes) {
     std::string name = std::to_string(std::time(nullptr)) + '.' + secret() + ".webmail";
-    write_file(path_ / "tmp" / name, bytes);
-    rename(path_ / "tmp" / name, path_ / "new" / name);
+    const std::filesystem::path written = path_ / "tmp" / name;
+    const std::unique_ptr<FILE, int (*)(FILE *)> file(fopen(written.c_str(), "wbx"), &fclose);
+    if (!file || fwrite(bytes.data(), 1, bytes.size(), file.get()) != bytes.size() ||
+        fflush(file.get()) != 0 || fsync(fileno(file.get())) != 0)
+        throw std::runtime_error("cannot write " + written.string());
+    rename(written, path_ / "new" / name);
     return name;
 }

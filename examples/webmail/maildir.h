@@ -35,8 +35,6 @@ public:
     std::string deliver(const std::string &bytes);
 
 private:
-    void add(letter_list &found, const std::filesystem::directory_entry &entry) const;
-
     const std::filesystem::path path_;
     std::mutex lock_; // guards the list
     std::shared_ptr<const letter_list> known_ = std::make_shared<letter_list>();

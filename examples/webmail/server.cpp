@@ -3,8 +3,6 @@
 #include <arpa/inet.h>
 #include <microhttpd.h>
 
-#include <thread>
-
 namespace {
 
 // A request while it arrives.
@@ -24,7 +22,7 @@ MHD_Result keep(void *map, MHD_ValueKind, const char *name, const char *value) {
 MHD_Result keep_field(void *asked, MHD_ValueKind, const char *name, const char *file_name, const char *type,
                       const char *, const char *bytes, std::uint64_t, std::size_t size) {
     auto &form = static_cast<request *>(asked)->form;
-    if (!name || form.size() == 32)
+    if (!name || (form.size() == 32 && !form.count(name)))
         return MHD_NO;
     field &kept = form[name];
     kept.file_name = file_name ? file_name : "";
@@ -33,15 +31,14 @@ MHD_Result keep_field(void *asked, MHD_ValueKind, const char *name, const char *
     return MHD_YES;
 }
 
-std::string header(MHD_Connection *connection, const char *name) {
-    const char *value = MHD_lookup_connection_value(connection, MHD_HEADER_KIND, name);
-    return value ? value : "";
-}
-
 arrival *begin(MHD_Connection *connection, const char *path, const char *method) {
     auto arriving = std::make_unique<arrival>();
     request &asked = arriving->asked;
-    asked = {method, path, header(connection, "Host"), header(connection, "Accept-Language")};
+    const auto header = [&](const char *name) {
+        const char *value = MHD_lookup_connection_value(connection, MHD_HEADER_KIND, name);
+        return std::string(value ? value : "");
+    };
+    asked = {method, path, header("Host"), header("Sec-Fetch-Site"), header("Accept-Language")};
     MHD_get_connection_values(connection, MHD_GET_ARGUMENT_KIND, &keep, &asked.query);
     MHD_get_connection_values(connection, MHD_COOKIE_KIND, &keep, &asked.cookies);
     if (asked.method == "POST")
@@ -78,31 +75,24 @@ MHD_Result hear(void *answer, MHD_Connection *connection, const char *path, cons
     else
         return send(connection, (*static_cast<handler *>(answer))(static_cast<arrival *>(*state)->asked));
     return MHD_YES;
-} catch (const std::exception &error) {
-    return *size == 0 ? send(connection, {500, {{"Content-Type", "text/plain"}}, error.what()}) : MHD_NO;
-}
-
-void forget(void *, MHD_Connection *, void **state, MHD_RequestTerminationCode) {
-    delete static_cast<arrival *>(std::exchange(*state, nullptr));
+} catch (const std::exception &) { // no memory, not even for the head or the answer
+    return MHD_NO;
 }
 
 } // namespace
 
-server::server(const std::string &address, std::uint16_t port, handler answer) : answer_(std::move(answer)) {
-    const sockaddr_in place = {AF_INET, htons(port), {inet_addr(address.c_str())}, {}};
-    daemon_ = MHD_start_daemon(MHD_USE_AUTO_INTERNAL_THREAD, port, nullptr, nullptr, &hear, &answer_,
-                               MHD_OPTION_SOCK_ADDR, &place, MHD_OPTION_THREAD_POOL_SIZE,
-                               std::max(2U, std::thread::hardware_concurrency()), MHD_OPTION_CONNECTION_LIMIT,
-                               128U, MHD_OPTION_CONNECTION_TIMEOUT, 30U, MHD_OPTION_NOTIFY_COMPLETED, &forget,
-                               nullptr, MHD_OPTION_END);
-    if (!daemon_)
-        throw std::runtime_error("cannot listen on " + address + ':' + std::to_string(port));
-}
-
-server::~server() {
-    MHD_stop_daemon(daemon_);
-}
-
-std::uint16_t server::port() const {
-    return MHD_get_daemon_info(daemon_, MHD_DAEMON_INFO_BIND_PORT)->port;
+std::shared_ptr<MHD_Daemon> serve(sockaddr_in &place, handler &answer) {
+    const auto forget = [](void *, MHD_Connection *, void **state, MHD_RequestTerminationCode) {
+        delete static_cast<arrival *>(std::exchange(*state, nullptr));
+    };
+    const std::shared_ptr<MHD_Daemon> daemon(
+        MHD_start_daemon(MHD_USE_AUTO_INTERNAL_THREAD, 0, nullptr, nullptr, &hear, &answer,
+                         MHD_OPTION_SOCK_ADDR, &place, MHD_OPTION_THREAD_POOL_SIZE, 8U,
+                         MHD_OPTION_CONNECTION_LIMIT, 128U, MHD_OPTION_CONNECTION_TIMEOUT, 30U,
+                         MHD_OPTION_NOTIFY_COMPLETED, +forget, nullptr, MHD_OPTION_END),
+        &MHD_stop_daemon);
+    if (!daemon)
+        throw std::runtime_error("cannot listen there");
+    place.sin_port = htons(MHD_get_daemon_info(daemon.get(), MHD_DAEMON_INFO_BIND_PORT)->port);
+    return daemon;
 }

@@ -12,7 +12,7 @@ struct field {
 };
 
 struct request {
-    std::string method, path, host, languages;
+    std::string method, path, host, site, languages; // the site of the page that led here
     values query, cookies;
     std::map<std::string, field> form;
     bool is_refused = false; // its body is no form, or has more than 10 MB or 32 fields
@@ -28,14 +28,6 @@ struct response {
 
 using handler = std::function<response(const request &)>;
 
-// Serves on an address of IPv4 until the end of its scope. Throws std::runtime_error if it cannot.
-class server {
-public:
-    server(const std::string &address, std::uint16_t port, handler answer);
-    ~server();
-    std::uint16_t port() const; // a free one, if it was to be 0
-
-private:
-    handler answer_;
-    struct MHD_Daemon *daemon_;
-};
+// Serves on an address of IPv4 as long as its result is kept. A port of 0 becomes that of a free one. Throws
+// std::runtime_error if it cannot.
+std::shared_ptr<struct MHD_Daemon> serve(struct sockaddr_in &place, handler &answer);

@@ -1,8 +1,6 @@
 #include "site.h"
 
 #include "files.h"
-#include "pages.h"
-#include "reader.h"
 
 namespace {
 
@@ -23,14 +21,12 @@ response notice(request asked, unsigned status, const std::string &text) {
 values answer_to(const message &letter, const std::string &name) {
     const std::string &subject = letter.head.subject, &reply_to = letter.headers.at("Reply-To");
     std::string quotation;
-    for (const part &part : letter.parts) {
-        std::istringstream lines(part.text.value_or(""));
-        for (std::string line; std::getline(lines, line);)
-            quotation += "> " + line + '\n';
-    }
+    for (const part &part : letter.parts)
+        if (part.text)
+            quotation += "> " + replaced(*part.text, "\n", "\n> ") + '\n';
     return {{"token", token},
             {"answer", name},
-            {"from", letter.headers.at("To")},
+            {"from", letter.receiver},
             {"to", reply_to.empty() ? letter.headers.at("From") : reply_to},
             {"subject", (subject.rfind("Re: ", 0) == 0 ? "" : "Re: ") + subject},
             {"text", quotation}};
@@ -50,9 +46,11 @@ response send(maildir &letters, const request &asked) {
         typed["references"] = letter.headers["References"];
     }
     const field file = asked.form.count("file") ? asked.form.at("file") : field();
+    const std::string said = on_one_line(typed["file"]),
+                      name = said.empty() && file.value.size() ? "file" : said;
     try {
-        const std::string written = write_message(reader_of(asked).language, typed,
-                                                  {on_one_line(typed["file"]), file.value, {}}, file.type);
+        const std::string written =
+            write_message(reader_of(asked).language, typed, {name, file.value, {}}, file.type);
         return {303, {{"Location", "/letter?name=" + letters.deliver(written)}}, ""};
     } catch (const std::invalid_argument &address) {
         return page(asked, compose_page(asked, typed, "? " + std::string(address.what())), 422);
@@ -79,32 +77,43 @@ response show(maildir &letters, const request &asked) {
         return page(asked, letter_page(asked, letter));
     if (!bytes || path != "/part" || number >= letter.parts.size())
         return notice(asked, 404, "Nothing is here");
-    const part &file =
-        letter.parts[number]; // of which a browser opens nothing; its name is in the form of RFC 8187
-    const std::string name = zel::read_body("utf-8", file.name.empty() ? asked.said("number") : file.name);
+    // A browser opens nothing of a file; the name is in the form of RFC 8187.
+    const part &file = letter.parts[number];
+    const std::string name =
+        beginning(zel::read_body("utf-8", file.name.empty() ? asked.said("number") : file.name), 200);
     return {200,
             {{"Content-Type", "application/octet-stream"},
              {"Content-Disposition", "attachment; filename*=UTF-8''" + percent_encoded(name)}},
             file.bytes};
 }
 
+response dispatch(maildir &letters, const request &asked) try {
+    if (asked.method == "GET" || asked.method == "HEAD")
+        return show(letters, asked);
+    return asked.path == "/send" ? send(letters, asked) : notice(asked, 405, "Nothing is sent here");
+} catch (const std::exception &error) { // which may name what is nobody's business
+    std::fprintf(stderr, "webmail: %s\n", error.what());
+    return notice(asked, 500, "This did not work");
+}
+
 } // namespace
 
 response answer(maildir &letters, const request &asked) {
     const std::string host = asked.host.substr(0, asked.host.find(':'));
-    // Under a name that others give to this address their pages could read the mail. Numbers are nobody's.
+    // Under a name that others give to this address their pages could read the mail. A host that is an IP
+    // address cannot be pointed here by somebody else's DNS.
     const bool is_ours = host == "localhost" || host.find_first_not_of("0123456789.") == std::string::npos;
-    const bool is_question = asked.method == "GET" || asked.method == "HEAD", is_form = asked.path == "/send";
-    response answer = !is_ours      ? notice(asked, 421, "Ask by number")
-                      : is_question ? show(letters, asked)
-                      : is_form     ? send(letters, asked)
-                                    : notice(asked, 405, "Nothing is sent here");
+    response answer =
+        is_ours ? dispatch(letters, asked)
+                : notice(asked, 421, "Open this page as http://127.0.0.1" + asked.host.substr(host.size()));
     answer.headers["Content-Security-Policy"] = "default-src 'none'; style-src 'self'; script-src 'self'; "
                                                 "form-action 'self'; base-uri 'none'; frame-ancestors 'none'";
     answer.headers["X-Content-Type-Options"] = "nosniff";
     answer.headers["Referrer-Policy"] = "no-referrer";
     answer.headers["Cache-Control"] = "no-store";
-    if (asked.query.count("language"))
-        answer.headers["Set-Cookie"] = "language=" + reader_of(asked).language + "; Path=/; Max-Age=31536000";
+    const bool is_own = asked.site.empty() || asked.site == "same-origin" || asked.site == "none";
+    if (is_ours && is_own && asked.query.count("language"))
+        answer.headers["Set-Cookie"] =
+            "language=" + reader_of(asked).language + "; Path=/; Max-Age=31536000; SameSite=Lax";
     return answer;
 }

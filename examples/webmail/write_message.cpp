@@ -1,6 +1,5 @@
 #include "message.h"
 
-#include <gmime/gmime.h>
 #include <zel.hpp>
 
 #include <random>
@@ -14,29 +13,25 @@ bool is_visible(const std::string &token, std::string_view but = "") {
     });
 }
 
-// One address, with its name if it has one.
-std::string address_of(const std::string &language, InternetAddress *address) {
-    const char *name = internet_address_get_name(address), *place = nullptr;
-    if (INTERNET_ADDRESS_IS_MAILBOX(address))
-        place = internet_address_mailbox_get_idn_addr(INTERNET_ADDRESS_MAILBOX(address));
-    const std::string phrase = name && *name ? zel::write_phrase(language, name) : "",
-                      spelled = place ? place : "";
-    const std::size_t at = spelled.find('@');
-    if (at == 0 || at + 1 >= spelled.size() || at + 1 == 0 || at != spelled.rfind('@') ||
-        !is_visible(spelled, "()<>,;:\\\"[]"))
-        throw std::invalid_argument(spelled);
-    return phrase + (phrase.size() + spelled.size() > 60 ? "\r\n <" : " <") + spelled + '>';
+bool takes_mail(const std::string &place) {
+    const std::size_t at = place.find('@');
+    return at != 0 && at < place.size() - 1 && at == place.rfind('@') && place.size() <= 320 &&
+           is_visible(place, "()<>,;:\\\"[]");
 }
 
-// The value of a header of addresses, with a line for each.
-std::string addresses(const std::string &language, const std::string &typed) {
-    const std::unique_ptr<InternetAddressList, decltype(&g_object_unref)> list(
-        internet_address_list_parse(nullptr, typed.c_str()), &g_object_unref);
+// The value of a header of so many addresses at most, with a line for each.
+std::string addresses(const std::string &language, const std::string &typed, std::size_t limit) {
+    const std::vector<mailbox> found = mailboxes(typed);
     std::string value;
-    for (int at = 0; list && at < internet_address_list_length(list.get()); ++at)
-        value +=
-            (at ? ",\r\n " : "") + address_of(language, internet_address_list_get_address(list.get(), at));
-    return value.empty() ? throw std::invalid_argument(typed) : value;
+    for (const auto &[name, place] : found) {
+        if (!takes_mail(place) || found.size() > limit)
+            throw std::invalid_argument(typed);
+        const std::string phrase = name.empty() ? "" : zel::write_phrase(language, name);
+        value += (value.empty() ? "" : ",\r\n ") + phrase;
+        value += phrase.empty() ? "<" : phrase.size() + place.size() > 60 ? "\r\n <" : " <";
+        value += place + '>';
+    }
+    return value;
 }
 
 // The ids of messages in a text, with a line for each.
@@ -44,12 +39,13 @@ std::string ids(const std::string &text) {
     std::istringstream tokens(text);
     std::string value;
     for (std::string token; tokens >> token;)
-        if (token.front() == '<' && token.size() < 250 && is_visible(token))
+        if (token.front() == '<' && token.find_first_of("<>", 1) == token.size() - 1 && token.size() < 250 &&
+            is_visible(token))
             value += (value.empty() ? "" : "\r\n ") + token;
     return value;
 }
 
-std::string part_of(const std::string &type, const std::string &encoding, const std::string &bytes) {
+std::string body_of_part(const std::string &type, const std::string &encoding, const std::string &bytes) {
     return "Content-Type: " + type + "\r\nContent-Transfer-Encoding: " + encoding + "\r\n\r\n" + bytes;
 }
 
@@ -57,37 +53,36 @@ std::string part_of(const std::string &type, const std::string &encoding, const 
 
 std::string write_message(const std::string &language, values typed, const part &file,
                           const std::string &type) {
-    const std::unique_ptr<GDateTime, decltype(&g_date_time_unref)> now(g_date_time_new_now_local(),
-                                                                       &g_date_time_unref);
-    const std::unique_ptr<char, decltype(&g_free)> date(g_mime_utils_header_format_date(now.get()), &g_free);
-    const std::string id = ids(typed["id"]), before = ids(typed["references"] + ' ' + id),
-                      boundary = secret();
+    const std::time_t now = std::time(nullptr);
+    std::tm local = {};
+    char date[64];
+    std::strftime(date, sizeof date, "%a, %d %b %Y %T %z", localtime_r(&now, &local));
+    const std::string id = ids(typed["id"]), boundary = secret();
     const zel::body body = zel::write_body(language, typed["text"]);
     const std::string text =
-        part_of("text/plain; charset=" + body.charset, body.transfer_encoding, body.bytes);
-    std::string head =
-        "From: " + addresses(language, typed["from"]) + "\r\nTo: " + addresses(language, typed["to"]) +
-        "\r\nSubject: " + zel::write_header(language, typed["subject"]) + "\r\nDate: " + date.get() +
-        "\r\nMessage-ID: <" + secret() + "@webmail.invalid>\r\nMIME-Version: 1.0\r\n";
+        body_of_part("text/plain; charset=" + body.charset, body.transfer_encoding, body.bytes);
+    std::string head = "From: " + addresses(language, typed["from"], 1) +
+                       "\r\nTo: " + addresses(language, typed["to"], 100) +
+                       "\r\nSubject: " + zel::write_header(language, on_one_line(typed["subject"])) +
+                       "\r\nDate: " + date + "\r\nMessage-ID: <" + secret() +
+                       "@webmail.invalid>\r\nMIME-Version: 1.0\r\n";
     if (!id.empty())
-        head += "In-Reply-To: " + id + "\r\nReferences: " + before + "\r\n";
+        head += "In-Reply-To: " + id + "\r\nReferences: " + ids(typed["references"] + ' ' + id) + "\r\n";
     if (file.name.empty())
         return head + text;
-    // A browser may say of a file what it likes, but a part has no parts of its own, and no charset that is
-    // not known.
-    const bool is_kept = type.rfind("image/", 0) == 0 || type.rfind("application/", 0) == 0;
-    const std::string kept =
-        is_kept && is_visible(type, "()<>@,;:\\\"[]?=") ? type : "application/octet-stream";
+    // Whatever a browser says, a file has no parts of its own, and no charset that is not known.
+    const std::string kind = type.substr(0, type.find('/') + 1), rest = type.substr(kind.size());
+    const bool is_kept = (kind == "image/" || kind == "application/") && !rest.empty() && rest.size() < 100 &&
+                         is_visible(rest, "()<>@,;:\\\"/[]?=");
+    const std::string kept = is_kept ? type : "application/octet-stream";
     return head + "Content-Type: multipart/mixed; boundary=" + boundary + "\r\n\r\n--" + boundary + "\r\n" +
            text + "\r\n--" + boundary + "\r\nContent-Disposition: attachment;\r\n " +
            zel::write_parameter(language, "filename", file.name) + "\r\n" +
-           part_of(kept, "base64", zel::encode_base64(file.bytes)) + "\r\n--" + boundary + "--\r\n";
+           body_of_part(kept, "base64", zel::encode_base64(file.bytes)) + "\r\n--" + boundary + "--\r\n";
 }
 
 std::string secret() {
     std::random_device device;
-    std::ostringstream digits;
-    for (int number = 0; number < 4; ++number)
-        digits << std::hex << device();
-    return digits.str();
+    return std::to_string(device()) + std::to_string(device()) + std::to_string(device()) +
+           std::to_string(device());
 }
