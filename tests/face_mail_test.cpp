@@ -179,6 +179,8 @@ TEST_F(Mail, is_read_in_the_language_that_its_reader_likes_best) {
         {"de-AT, en", "de"},
         {"en;q=0.5, fr ;q=0.91,it;q=.9", "fr"},
         {"xx, ko-KR;q=0.1", "ko"},
+        {"en;Q=0.1, fr;q=0.5", "fr"},
+        {"en;q=1, fr;q=9.9", "en"},
         {"zh-Hant-HK,zh", "zh-TW"},
         {"ZH-hans", "zh-CN"},
         {"nb-NO", "no"},

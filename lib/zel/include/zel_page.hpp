@@ -80,7 +80,7 @@ inline int quality_of(std::string_view value) {
         quality += (digit - '0') * unit;
         unit /= 10;
     }
-    return quality;
+    return std::min(quality, 1000);
 }
 
 } // namespace detail
@@ -101,7 +101,7 @@ inline std::optional<std::string> preferred_language(std::string_view accepted) 
     int highest = 0;
     for (const std::string &piece : accepted_languages(accepted)) {
         const std::string_view row = piece, tag = detail::trimmed(row.substr(0, row.find(';')));
-        const std::size_t mark = row.find("q=");
+        const std::size_t mark = std::min(row.find("q="), row.find("Q="));
         const int quality = mark == row.npos ? 1000 : detail::quality_of(row.substr(mark + 2));
         const std::optional<std::string> language = detail::language_of(tag);
         if (language && quality > highest) {
