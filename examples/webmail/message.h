@@ -25,7 +25,7 @@ struct part {
 struct message {
     summary head;
     values headers;          // by their names; ids are as they were sent, addresses as a form takes them back
-    std::string receiver;    // the first of them
+    std::string receiver;    // the first of To
     std::vector<part> parts; // the first thousand
 };
 

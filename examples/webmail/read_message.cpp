@@ -109,11 +109,13 @@ std::string beginning(const std::string &text, std::size_t limit) {
     return text.substr(0, limit);
 }
 
-// GMime would read encoded words as well, so that they go past it under another mark.
+// GMime would read encoded words as well, and follow groups in groups to the end of its stack.
 std::vector<mailbox> mailboxes(const std::string &text) {
     constexpr char mark[] = "\xC2\x80";
-    const owned<InternetAddressList> list(
-        internet_address_list_parse(nullptr, replaced(text, "=?", mark).c_str()), &g_object_unref);
+    const std::string masked =
+        std::count(text.begin(), text.end(), ':') < 100 ? replaced(text, "=?", mark) : "";
+    const owned<InternetAddressList> list(internet_address_list_parse(nullptr, masked.c_str()),
+                                          &g_object_unref);
     std::vector<mailbox> found;
     for (int at = 0; list && at < internet_address_list_length(list.get()); ++at) {
         InternetAddress *one = internet_address_list_get_address(list.get(), at);

@@ -28,6 +28,5 @@ struct response {
 
 using handler = std::function<response(const request &)>;
 
-// Serves on an address of IPv4 as long as its result is kept. A port of 0 becomes that of a free one. Throws
-// std::runtime_error if it cannot.
+// Serves as long as its result is kept, or throws std::runtime_error. Port 0 becomes that of a free one.
 std::shared_ptr<struct MHD_Daemon> serve(struct sockaddr_in &place, handler &answer);

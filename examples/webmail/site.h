@@ -9,8 +9,7 @@
 
 // The language and the time zone, as the browser says them or as they were chosen on a page.
 struct reader {
-    std::string language; // one of zel::languages()
-    std::string zone = "GMT";
+    std::string language, zone = "GMT"; // the language is one of zel::languages()
 
     // The other text stands for a time that is not there, or not in the years that the library knows.
     std::string date(const std::optional<std::int64_t> &time, const std::string &otherwise) const try {

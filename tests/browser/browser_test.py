@@ -144,7 +144,8 @@ class Reader(unittest.TestCase):
         self.click(".letter button")
         self.assertEqual(self.texts("h1"), [text])
         self.assertEqual(self.texts("pre"), [body])
-        self.assertEqual(self.texts("dd")[0], f"{name} <from@example.org>")
+        shown = f'"{name}"' if "," in name else name
+        self.assertEqual(self.texts("dd")[0], f"{shown} <from@example.org>")
         self.assertEqual(self.texts(".files a"), [file.name])
         self.one(".files a").click()
         self.wait((self.mailbox.path / "downloads" / file.name).exists)

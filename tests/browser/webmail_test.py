@@ -2,12 +2,14 @@
 is hostile becomes HTML, a header, a path or a crash.
 usage: webmail_test.py WEBMAIL BUNDLE-COMPILER"""
 
+import concurrent.futures
 import email
 import email.policy
 import pathlib
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 import urllib.parse
 
@@ -81,9 +83,11 @@ class WebMailbox(unittest.TestCase):
         for address in ("", "x", "a@b@c", "a@", "@b", "a b@c", "g: a@b.org;", "a@b.org\r\nBcc: c@d.org", "<a@b>c>", "\0"):
             answer = self.mailbox.send("de", **(FORM | {"to": address, "subject": HOSTILE}))
             if answer.status == 303:
+                self.assertIn("a@b", address)
                 self.assertNotIn("Bcc", self.source(answer.headers["Location"]).keys())
             else:
                 self.assertEqual((answer.status, answer.fields["subject"]), (422, HOSTILE))
+        self.assertEqual(self.mailbox.send("de", **(FORM | {"from": "a@b.org, c@d.org"})).status, 422)
 
     def test_takes_no_form_of_others_and_no_body_that_is_too_large(self):
         kept = len(list((self.mailbox.path / "Maildir").glob("*/*")))
@@ -114,6 +118,7 @@ class WebMailbox(unittest.TestCase):
         messages = dict(corpus_messages())
         messages["hostile"] = (f"From: {HOSTILE} <a@b.org>\nSubject: {HOSTILE}\nDate: {HOSTILE}\nCc: {HOSTILE}\n"
                                f"Content-Type: text/html\n\n{HOSTILE}").encode()
+        messages["groups"] = b"To: " + b"a:" * 99999 + b"\n\n"
         messages["deep"] = b"".join(b"Content-Type: multipart/mixed; boundary=%d\n\n--%d\n" % (n, n) for n in range(9999))
         messages["many"] = b"Content-Type: multipart/mixed; boundary=b\n\n" + b"--b\n\nx\n" * 9999
         messages["controls"] = b"Subject: =?utf-8?Q?=00=1B$B=C2=85=7F=0D=0AX?=\nDate: 1 Jan 9999 00:00:00 +0000\n\n\x1b$B\x00"
@@ -132,11 +137,92 @@ class WebMailbox(unittest.TestCase):
         page = self.mailbox.ask("/letter?name=hostile")
         self.assertEqual((page.texts["h1"], page.texts["pre"]), ([HOSTILE], ["\n" + HOSTILE]))
 
+    def guards(self, answer):
+        self.assertTrue(answer.headers["Content-Security-Policy"].startswith("default-src 'none'; "))
+        self.assertEqual(answer.headers["X-Content-Type-Options"], "nosniff")
+        self.assertEqual(answer.headers["Cache-Control"], "no-store")
+
     def test_guards_every_answer(self):
         for path in ("/", "/write", "/style.css", "/none"):
-            headers = self.mailbox.ask(path).headers
-            self.assertTrue(headers["Content-Security-Policy"].startswith("default-src 'none'; "))
-            self.assertEqual(headers["X-Content-Type-Options"], "nosniff")
+            self.guards(self.mailbox.ask(path))
+        tmp = self.mailbox.path / "Maildir" / "tmp"
+        tmp.rmdir()
+        answer = self.mailbox.send("en", **FORM)
+        tmp.mkdir()
+        self.guards(answer)
+        self.assertEqual(answer.status, 500)
+        self.assertNotIn("tmp", answer.text)
+        for headers in ({"Sec_Fetch_Site": "cross-site"}, {"Host": "attacker.example"}):
+            self.assertNotIn("Set-Cookie", self.mailbox.ask("/?language=ar", **headers).headers)
+
+    def test_answers_nobody_whom_an_encoded_word_names(self):
+        rows = {"=?utf-8?Q?evil=40x.org=2C?= <boss@b.org>": '"evil@x.org," <boss@b.org>',
+                "=?utf-8?Q?=3Cevil=40x.org=3E=2C_Boss?=\n <boss@b.org>": '"<evil@x.org>, Boss" <boss@b.org>',
+                "=?utf-8?Q?=22=5C=2C_evil=40x.org?= <boss@b.org>": '"\\"\\\\, evil@x.org" <boss@b.org>',
+                "[news] =?utf-8?Q?evil=40x.org=2C?= <boss@b.org>": '"[news] evil@x.org," <boss@b.org>',
+                '"a < b" <boss@b.org>': '"a < b" <boss@b.org>', "=?utf-8?Q?J=C3=BCrgen?= <boss@b.org>": "Jürgen <boss@b.org>"}
+        for number, (value, shown) in enumerate(rows.items()):
+            for field in ("From: c@d.org\nReply-To", "From"):
+                name = f"boss{number}{len(field)}"
+                self.mailbox.put(name, f"{field}: {value}\nTo: =?utf-8?Q?a=2C?= <me@b.org>, you@b.org\n\n".encode())
+                form = self.mailbox.ask(f"/write?answer={name}").fields
+                self.assertEqual((form["to"], form["from"]), (shown, '"a," <me@b.org>'))
+                answer = self.source(self.sent("de", **(form | {"text": "t"})))
+                self.assertEqual([address.addr_spec for address in answer["to"].addresses], ["boss@b.org"])
+
+    def test_shows_or_hands_out_all_of_a_letter(self):
+        japanese = b"\n\n\x1b$B$\"\x1b(B"
+        inner = b"From: in@b.org\nSubject: inner\n\ninside\n"
+        long = "x" * ((1 << 20) - 1) + "ä"
+        name = "ä" * 3000
+        rows = {"bare": (b"Content-Type: text/plain" + japanese, ["\nあ"], []),
+                "ascii": (b"Content-Type: text/plain; charset=US-ASCII" + japanese, ["\nあ"], []),
+                "utf-8": (b"Content-Type: text/plain; charset=utf-8" + japanese, ["\n\uFFFD$B$\"\uFFFD(B"], []),
+                "inner": (b"Content-Type: message/rfc822\n\n" + inner, ["\ninside\n"], [("message.eml", inner)]),
+                "long": (f"Content-Type: text/plain; charset=utf-8\n\n{long}".encode(), ["\n" + long[:-1]],
+                         [("0", long.encode())]),
+                "name": (f"Content-Type: image/x; name*=utf-8''{urllib.parse.quote(name)}\n\nx".encode(), [],
+                         [(name[:100], b"x")])}
+        for letter, (message, texts, files) in rows.items():
+            with self.subTest(letter):
+                self.mailbox.put(letter, b"Subject: s\n" + message)
+                page = self.mailbox.ask(f"/letter?name={letter}")
+                self.assertEqual(page.texts.get("pre", []), texts)
+                links = [self.mailbox.ask(link) for link in page.links if link.startswith("/part")]
+                self.assertEqual([link.bytes for link in links], [file for _, file in files])
+                self.assertEqual([link.headers["Content-Disposition"] for link in links],
+                                 ["attachment; filename*=UTF-8''" + urllib.parse.quote(file) for file, _ in files])
+        self.assertEqual(self.mailbox.ask(self.sent("de", subject="a\0b")).texts["h1"], ["a b"])
+
+    def test_keeps_letters_of_one_name_apart(self):
+        for flags in ("", "S"):
+            (self.mailbox.path / "Maildir" / "cur" / f"twin:2,{flags}").write_bytes(b"Subject: twin\n\n")
+        for _ in range(3):
+            self.assertEqual(self.mailbox.ask("/letter?name=twin").status, 200)
+            self.mailbox.ask("/")
+        self.assertEqual(len(list((self.mailbox.path / "Maildir" / "cur").glob("twin*"))), 2)
+
+    def test_listens_only_where_it_is_told(self):
+        for place in ("localhost:8025", "127.0.0.1:65536", "127.0.0.1:x", "127.0.0.1:1x", "127.0.0.1", "", ":"):
+            ended = subprocess.run([PROGRAM, "--maildir", self.mailbox.path / "none", "--listen", place], stderr=subprocess.PIPE)
+            self.assertEqual((ended.returncode, ended.stderr[:6]), (2, b"usage:"), place)
+
+    def test_serves_many_letters_to_many_clients(self):
+        with Mailbox(PROGRAM) as mailbox:
+            for number in range(10000):
+                mailbox.put(f"n{number}", f"From: =?utf-8?Q?=C3=A4?= <{number}@b.org>\nSubject: {number}\n\n".encode(), True)
+            mailbox.ask("/")
+            start = time.monotonic()
+            self.assertEqual(mailbox.ask("/?sort=subject&page=200").texts["span"], ["200 / 200"])
+            self.assertLess(time.monotonic() - start, 5)
+
+            def use(number):
+                while time.monotonic() < start + 2:
+                    for path, title in ((f"/letter?name=n{number}", f"{number}"), ("/", "Inbox"), ("/none", "Nothing is here")):
+                        self.assertEqual(mailbox.ask(path).texts["h1"], [title])
+            start = time.monotonic()
+            with concurrent.futures.ThreadPoolExecutor(8) as clients:
+                list(clients.map(use, range(8)))
 
     def test_takes_the_language_that_its_reader_likes_best(self):
         rows = {"ja": "ja", "de-AT, en": "de", "en;q=0.5, fr ;q=0.9": "fr", "xx, ko-KR;q=0.1": "ko", "zh-Hant-HK": "zh-TW",
