@@ -5,6 +5,8 @@
 
 #include "zel/simd/vector16.h"
 
+#include <iterator>
+
 namespace zel {
 
 using bitmask64 = std::uint64_t;

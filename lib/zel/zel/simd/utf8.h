@@ -109,6 +109,11 @@ ZEL_AVX2 inline __m256i are_between(__m256i bytes, unsigned char first, unsigned
     return _mm256_cmpeq_epi8(_mm256_min_epu8(above_first, width), above_first);
 }
 
+// By plain logic, as g++ 12 takes the instruction for it wrongly where char is unsigned.
+ZEL_AVX2 inline __m256i select(__m256i mask, __m256i where_set, __m256i elsewhere) {
+    return _mm256_or_si256(_mm256_and_si256(mask, where_set), _mm256_andnot_si256(mask, elsewhere));
+}
+
 ZEL_AVX2 inline bitmask64 mask_of(__m256i low, __m256i high) {
     return static_cast<std::uint32_t>(_mm256_movemask_epi8(low)) |
            bitmask64{static_cast<std::uint32_t>(_mm256_movemask_epi8(high))} << block_size / 2;
@@ -116,10 +121,10 @@ ZEL_AVX2 inline bitmask64 mask_of(__m256i low, __m256i high) {
 
 template <>
 ZEL_AVX2 inline utf8_block utf8_shape<instructions::avx2>(const block64 &block) {
-    const __m256i low = half_of(block, 0), high = half_of(block, 2), last_continuation = all_bytes(0xC0);
+    const __m256i low = half_of(block, 0), high = half_of(block, 2);
     return {mask_of(low, high), mask_of(are_between(low, 0xC2, 0xDF), are_between(high, 0xC2, 0xDF)),
             mask_of(are_between(low, 0xE0, 0xEF), are_between(high, 0xE0, 0xEF)),
-            mask_of(_mm256_cmpgt_epi8(last_continuation, low), _mm256_cmpgt_epi8(last_continuation, high))};
+            mask_of(are_between(low, 0x80, 0xBF), are_between(high, 0x80, 0xBF))};
 }
 
 // Gives the overlong forms.
@@ -127,8 +132,7 @@ ZEL_AVX2 inline __m256i store_code_units(std::uint16_t *units, __m256i first, __
     const __m256i across = _mm256_permute2x128_si256(first, behind, 0x21);
     const __m256i second = _mm256_alignr_epi8(across, first, 1), third = _mm256_alignr_epi8(across, first, 2);
     const __m256i three_byte = are_between(first, 0xE0, 0xFF);
-    const __m256i x = _mm256_blendv_epi8(first, second, three_byte);
-    const __m256i y = _mm256_blendv_epi8(second, third, three_byte);
+    const __m256i x = select(three_byte, second, first), y = select(three_byte, third, second);
     const __m256i d = _mm256_and_si256(_mm256_slli_epi16(first, 4), all_bytes(0xF0));
     const __m256i a = _mm256_and_si256(_mm256_srli_epi16(x, 2), all_bytes(0x0F));
     const __m256i b = _mm256_and_si256(_mm256_slli_epi16(x, 6), all_bytes(0xC0));
