@@ -36,7 +36,7 @@ TEST(WideSteps, read_utf8_alike_with_all_instructions) {
     if (!has_avx2())
         GTEST_SKIP() << "not on this processor";
     std::mt19937 random;
-    for (int round = 0; round < 20000; ++round) {
+    for (unsigned round = 0; round < 20000; ++round) {
         unsigned char bytes[block_size];
         std::generate(bytes, std::end(bytes),
                       [&] { return static_cast<unsigned char>(random() | round % 2 << 7); });

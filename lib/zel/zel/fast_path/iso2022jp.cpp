@@ -111,7 +111,8 @@ struct utf8_to_jis {
     // Run by run, on copies of the cursors and of the writer.
     bool put_runs(cursors &at, const block64 &block, const utf8_block &shape, std::size_t length) {
         std::uint16_t units[block_size];
-        if (store_code_units<Set>(units, block) & shape.three_byte & first_bits(length))
+        const bitmask64 leads = lead_bytes(shape) & first_bits(length);
+        if (store_code_units<Set>(units, block) & leads)
             return false;
         const unsigned char *const start = at.from;
         for (std::size_t place = 0; place < length;) {
@@ -124,11 +125,11 @@ struct utf8_to_jis {
                 if (place == length)
                     break;
             }
-            const std::size_t run = std::min(first_of(~shape.high >> place), length - place);
+            const bitmask64 behind = ~shape.high >> place;
             writer.change_set(true, at);
-            if (!put_characters(at, units + place, lead_bytes(shape) >> place & first_bits(run)))
+            if (!put_characters(at, units + place, leads >> place & in_front_of_first(behind)))
                 return false;
-            place += run;
+            place += std::min(first_of(behind), length - place);
         }
         at.from = start + length;
         return true;

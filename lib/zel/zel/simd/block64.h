@@ -57,6 +57,11 @@ constexpr std::size_t first_of(bitmask64 bits) {
     return static_cast<std::size_t>(std::countr_zero(bits));
 }
 
+// The bits in front of that place.
+constexpr bitmask64 in_front_of_first(bitmask64 bits) {
+    return (bits - 1) & ~bits;
+}
+
 constexpr bitmask64 without_first(bitmask64 bits) {
     return bits & (bits - 1);
 }
