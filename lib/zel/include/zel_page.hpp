@@ -142,7 +142,7 @@ inline std::string escape_html(std::string_view text) {
 /** A web page as it goes out. */
 struct page {
     std::string charset; /**< for the parameter of Content-Type */
-    std::string bytes;
+    std::string bytes;   /**< the page */
 };
 
 /**
