@@ -86,12 +86,12 @@ struct mapped_text {
             copy_kept<are_leads, instructions::base>(at, block);
             return status::done;
         }
-        const std::size_t length = whole_characters(lead_bytes_among(candidates), left(at));
+        bitmask64 leads = lead_bytes_among(candidates);
+        const std::size_t length = whole_characters(leads, left(at));
         if (length == 0)
             return status::declined;
         store_block(at.to, block);
-        for (bitmask64 leads = lead_bytes_among(candidates) & first_bits(length); leads;
-             leads = without_first(leads))
+        for (leads &= first_bits(length); leads; leads = without_first(leads))
             map_character(at.to + first_of(leads), at.from + first_of(leads));
         at.from += length;
         at.to += length;

@@ -34,9 +34,8 @@ constexpr charset_code first_double_byte = 0x100;
 
 struct code_table {
     charset_kind kind;
-    bool keeps_ascii; // all 128, so that nothing but high bytes needs the table
-    unsigned char
-        first_latin1; // from here to 0xFF each byte is the code point that it has in Latin-1; 0: none
+    bool keeps_ascii;           // all 128, so that nothing but high bytes needs the table
+    unsigned char first_latin1; // from here on a byte is its code point, as in Latin-1; 0: nowhere
     std::array<bool, 256> leads;
     std::array<utf8_character, 256> singles;
     std::array<unsigned char, 256> lengths;              // of the singles; 0: not decided

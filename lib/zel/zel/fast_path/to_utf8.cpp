@@ -80,10 +80,11 @@ struct from_double_bytes {
             copy_kept<are_not_kept<Kept>, Set>(at, block);
             return status::done;
         }
-        const std::size_t length = whole_characters(lead_bytes_among(high), left(at));
+        bitmask64 leads = lead_bytes_among(high);
+        const std::size_t length = whole_characters(leads, left(at));
         if (length == 0)
             return status::declined;
-        const bitmask64 leads = lead_bytes_among(high) & first_bits(length);
+        leads &= first_bits(length);
         unsigned char slots[slots_size + 2];
         store_slots(slots, block);
         const utf8_character common = store_characters(slots, block, leads);
