@@ -24,6 +24,8 @@ apt-get update -q || echo "goes on with the lists that came"
 apt-get install -q -y --no-install-recommends --download-only "$@"
 for archive in "$root-apt"/archives/*.deb; do dpkg -x "$archive" "$root"; done
 rm -rf "$root-apt"
+# Since Debian 13 the loader lies in /usr/lib, and /lib is a link that no library's package brings.
+[ -e "$root/lib" ] || ln -s usr/lib "$root/lib"
 
 # What links by an absolute path means the root that it is in.
 find "$root" -lname '/*' | while read -r link; do ln -sfn "$root$(readlink "$link")" "$link"; done
