@@ -6,6 +6,7 @@
 #include <unicode/ucnv.h>
 #include <unicode/ucol.h>
 
+#include <cstdint>
 #include <cstring>
 #include <stdexcept>
 

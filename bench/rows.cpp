@@ -2,6 +2,7 @@
 
 #include <zel.h>
 
+#include <cstdint>
 #include <cstring>
 
 namespace bench {

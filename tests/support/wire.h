@@ -6,6 +6,7 @@
 #include "support.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <random>
 #include <string>
 

@@ -15,6 +15,7 @@
 #include "charset.h"
 #include "files.h"
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <vector>

@@ -10,6 +10,8 @@
 
 #include "zel_write.hpp"
 
+#include <cstdint>
+
 namespace zel {
 inline namespace face {
 

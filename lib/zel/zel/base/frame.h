@@ -12,6 +12,7 @@
 #include <prrwlock.h>
 
 #include <atomic>
+#include <cstdint>
 
 namespace zel {
 

@@ -16,6 +16,7 @@
 #include <strings.h>
 
 #include <array>
+#include <cstdint>
 #include <cstring>
 
 namespace zel {

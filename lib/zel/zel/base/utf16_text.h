@@ -8,6 +8,7 @@
 
 #include <unicode/ucnv.h>
 
+#include <cstdint>
 #include <string_view>
 
 namespace zel {

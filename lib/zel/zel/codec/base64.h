@@ -8,6 +8,8 @@
 
 #include "zel/base/output.h"
 
+#include <cstdint>
+
 namespace zel {
 
 inline constexpr std::string_view basis_64 =

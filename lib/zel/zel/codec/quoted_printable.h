@@ -8,6 +8,8 @@
 
 #include "zel/base/output.h"
 
+#include <cstdint>
+
 namespace zel {
 
 // Body mode writes quoted-printable text; Q mode writes one encoded word after another, labelled with

@@ -10,6 +10,7 @@
 #include "zel/base/output.h"
 #include "zel/conversion/converter_cache.h"
 
+#include <cstdint>
 #include <optional>
 
 namespace zel {

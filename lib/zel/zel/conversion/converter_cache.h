@@ -10,6 +10,8 @@
 #include "zel/base/name_index.h"
 #include "zel/fast_path/fast_path.h"
 
+#include <cstdint>
+
 namespace zel {
 
 struct EncodingConverter {

@@ -5,6 +5,8 @@
 
 #include "zel/direct/converters.h"
 
+#include <cstdint>
+
 namespace zel {
 
 enum class scope : unsigned { buffers = 1, headers = 2, received_bodies = 4, sent_bodies = 8 };

@@ -9,6 +9,8 @@
 #include "zel/base/output.h"
 #include "zel/transcode/runs.h"
 
+#include <cstdint>
+
 namespace zel {
 
 // Where nothing is written, the length of the result is counted, a block after the other.

@@ -10,6 +10,8 @@
 #include "zel/base/records.h"
 #include "zel/fast_path/code_table.h"
 
+#include <cstdint>
+
 namespace zel {
 
 template <class Table>

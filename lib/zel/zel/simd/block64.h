@@ -5,6 +5,7 @@
 
 #include "zel/simd/vector16.h"
 
+#include <cstdint>
 #include <iterator>
 
 namespace zel {

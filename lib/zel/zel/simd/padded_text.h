@@ -12,6 +12,7 @@
 #include "zel/simd/block64.h"
 
 #include <algorithm>
+#include <cstdint>
 
 namespace zel {
 

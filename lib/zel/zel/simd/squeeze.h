@@ -10,6 +10,7 @@
 #include "zel/simd/instructions.h"
 
 #include <array>
+#include <cstdint>
 
 namespace zel {
 

@@ -6,6 +6,8 @@
 #include "zel/simd/block64.h"
 #include "zel/simd/instructions.h"
 
+#include <cstdint>
+
 namespace zel {
 
 constexpr bool is_continuation(unsigned char byte) {
