@@ -69,6 +69,7 @@ struct hz_text {
 template <const cell_map &map>
 struct mapped_text {
     static constexpr auto policy = when_full::keep_characters;
+    static constexpr auto set = instructions::base;
     static constexpr std::size_t reads = block_size;
     static constexpr std::size_t writes = block_size;
 

@@ -10,6 +10,7 @@ struct by_byte_table {
     const byte_table *table;
 
     static constexpr auto policy = when_full::give_up;
+    static constexpr auto set = instructions::base;
     static constexpr std::size_t reads = block_size;
     static constexpr std::size_t writes = block_size;
 
@@ -40,6 +41,7 @@ struct kept_ascii {
     const ascii_identity *kept;
 
     static constexpr auto policy = when_full::give_up;
+    static constexpr auto set = instructions::base;
     static constexpr std::size_t reads = block_size;
     static constexpr std::size_t writes = block_size;
 

@@ -181,10 +181,8 @@ heap<code_table> build_code_table(const char *charset) {
     heap<code_table> table = new_table<code_table>();
     if (!table)
         return nullptr;
-    table->kind = kind_of(asked.cnv.get());
     take_bytes(*table, asked);
     take_codes(*table, asked);
-    table->keeps_ascii = keeps_ascii(*table, 0x01, 0x7F);
     table->first_latin1 = first_latin1(*table);
     table->lengths[0] = 1; // NUL is kept where plain text is
     const bool keeps_text = keeps_ascii(*table, 0x01, 0x0D) && keeps_ascii(*table, ' ', '~');

@@ -33,8 +33,6 @@ using charset_code = std::uint16_t;
 constexpr charset_code first_double_byte = 0x100;
 
 struct code_table {
-    charset_kind kind;
-    bool keeps_ascii;           // all 128, so that nothing but high bytes needs the table
     unsigned char first_latin1; // from here on a byte is its code point, as in Latin-1; 0: nowhere
     std::array<bool, 256> leads;
     std::array<utf8_character, 256> singles;

@@ -50,8 +50,7 @@ const char *name_of(const UConverter *cnv) {
 
 transcoded transcode(const fast_path &path, std::string_view text, buffer to) {
     if (const code_table *table = table_of(path.characters))
-        return path.is_from_utf8 ? transcode_from_utf8(*table, text, to)
-                                 : transcode_to_utf8(*table, text, to);
+        return path.by_characters(*table, text, to);
     if (const byte_table *table = table_of(path.bytes))
         return transcode_bytes(*table, text, to);
     return transcode_ascii(path.kept, text, to);
@@ -64,12 +63,13 @@ void prepare(fast_path &path, UConverter *from_cnv, UConverter *to_cnv) {
     if (path.kept.none())
         return;
     const charset_kind from = kind_of(from_cnv), to = kind_of(to_cnv);
-    path.is_from_utf8 = from == charset_kind::utf8;
-    if (path.is_from_utf8 && can_have_table(to))
+    if (from == charset_kind::utf8 && can_have_table(to)) {
         path.characters = share_code_table(name_of(to_cnv));
-    else if (to == charset_kind::utf8 && can_have_table(from))
+        path.by_characters = transcoder_from_utf8(to, path.kept.all());
+    } else if (to == charset_kind::utf8 && can_have_table(from)) {
         path.characters = share_code_table(name_of(from_cnv));
-    else if (from == charset_kind::single_byte && to == charset_kind::single_byte && path.kept.all())
+        path.by_characters = transcoder_to_utf8(from, path.kept.all());
+    } else if (from == charset_kind::single_byte && to == charset_kind::single_byte && path.kept.all())
         path.bytes = share_byte_table(name_of(from_cnv), name_of(to_cnv));
 }
 

@@ -18,8 +18,8 @@ namespace zel {
 
 struct fast_path {
     ascii_identity kept;
-    bool is_from_utf8;
     shared_table<code_table> *characters; // null where neither is UTF-8, or no table can serve the other
+    transcoder by_characters;             // for the way between the two that the pair goes
     shared_table<byte_table> *bytes;      // null unless both are of single bytes and keep all of ASCII
 };
 

@@ -27,19 +27,21 @@ struct from_utf8 {
     const code_table *table;
 
     static constexpr auto policy = when_full::give_up;
+    static constexpr auto set = Set;
     static constexpr std::size_t reads = block_size;
     static constexpr std::size_t writes = block_size + squeeze_slack;
 
     // Gives whether all of the characters are Latin-1 that the charset shares: there a code is its code
-    // point.
+    // point. Behind C2 a continuation byte is the code point, behind C3 it lacks 0x40.
     bool store_latin1(unsigned char *looked_up, const block64 &block, bitmask64 leads) const {
         bitmask64 decided = 0;
         for (std::size_t i = 0; i < std::size(block.vectors); ++i) {
             const vector_bytes first = block.vectors[i];
             const vector_bytes behind =
                 i + 1 < std::size(block.vectors) ? block.vectors[i + 1] : vector_bytes{};
-            const vector_bytes code = shifted_left<6>(first) | (moved_down<1>(first, behind) & 0x3F);
-            const vector_mask is_lead = are_between(first, 0xC2, 0xC3);
+            const vector_mask is_c3 = are_byte(first, 0xC3);
+            const vector_mask is_lead = is_c3 | are_byte(first, 0xC2);
+            const vector_bytes code = moved_down<1>(first, behind) | (is_c3.bytes & 0x40);
             store_vector(looked_up + i * vector_size, select(is_lead, code, first));
             const vector_mask is_shared = are_between(code, table->first_latin1, 0xFF);
             decided |= bitmask64{bits_of(is_lead & is_shared)} << i * vector_size;
@@ -120,13 +122,13 @@ using to_double_bytes_plain = from_utf8<false, ascii::plain_text, Set>;
 
 } // namespace
 
-transcoded transcode_from_utf8(const code_table &table, std::string_view text, buffer to) {
-    if (table.kind == charset_kind::iso2022jp)
-        return transcode_utf8_to_jis(table, text, to);
-    if (!table.keeps_ascii)
-        return transcode_by<to_double_bytes_plain>(table, text, to);
-    return table.kind == charset_kind::single_byte ? transcode_by<to_single_bytes>(table, text, to)
-                                                   : transcode_by<to_double_bytes>(table, text, to);
+transcoder transcoder_from_utf8(charset_kind to, bool keeps_ascii) {
+    if (to == charset_kind::iso2022jp)
+        return transcoder_from_utf8_to_jis();
+    if (!keeps_ascii)
+        return transcoder_by<to_double_bytes_plain>();
+    return to == charset_kind::single_byte ? transcoder_by<to_single_bytes>()
+                                           : transcoder_by<to_double_bytes>();
 }
 
 } // namespace zel

@@ -166,12 +166,12 @@ struct utf8_to_jis {
 
 } // namespace
 
-transcoded transcode_jis_to_utf8(const code_table &table, std::string_view text, buffer to) {
-    return transcode_by<jis_to_utf8>(table, text, to);
+transcoder transcoder_from_jis_to_utf8() {
+    return transcoder_by<jis_to_utf8>();
 }
 
-transcoded transcode_utf8_to_jis(const code_table &table, std::string_view text, buffer to) {
-    return transcode_by<utf8_to_jis>(table, text, to);
+transcoder transcoder_from_utf8_to_jis() {
+    return transcoder_by<utf8_to_jis>();
 }
 
 } // namespace zel

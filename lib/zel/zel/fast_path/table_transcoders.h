@@ -15,12 +15,17 @@ namespace zel {
 
 using buffer = std::span<unsigned char>;
 
-transcoded transcode_from_utf8(const code_table &table, std::string_view text, buffer to);
-transcoded transcode_to_utf8(const code_table &table, std::string_view text, buffer to);
+// Converts a text by the table of its charset.
+using transcoder = transcoded (*)(const code_table &table, std::string_view text, buffer to);
+
+// The transcoder for a kind of charset that can have a table, as this processor runs it best. The charset
+// keeps all of ASCII, or plain text alone.
+transcoder transcoder_from_utf8(charset_kind to, bool keeps_ascii);
+transcoder transcoder_to_utf8(charset_kind from, bool keeps_ascii);
 
 // ISO-2022-JP, whose text has states.
-transcoded transcode_utf8_to_jis(const code_table &table, std::string_view text, buffer to);
-transcoded transcode_jis_to_utf8(const code_table &table, std::string_view text, buffer to);
+transcoder transcoder_from_utf8_to_jis();
+transcoder transcoder_from_jis_to_utf8();
 
 // Between two charsets of single bytes.
 transcoded transcode_bytes(const byte_table &table, std::string_view text, buffer to);
@@ -46,9 +51,9 @@ ZEL_AVX2 [[gnu::flatten]] transcoded transcode_by_avx2(const code_table &table, 
 }
 
 template <template <instructions> class Kernel>
-transcoded transcode_by(const code_table &table, std::string_view text, buffer to) {
-    return has_avx2() ? transcode_by_avx2<Kernel<instructions::avx2>>(table, text, to)
-                      : transcode_by_kernel<Kernel<instructions::base>>(table, text, to);
+transcoder transcoder_by() {
+    return has_avx2() ? &transcode_by_avx2<Kernel<instructions::avx2>>
+                      : &transcode_by_kernel<Kernel<instructions::base>, code_table>;
 }
 
 } // namespace zel

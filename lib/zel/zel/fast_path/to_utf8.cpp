@@ -45,6 +45,7 @@ struct from_double_bytes {
     const code_table *table;
 
     static constexpr auto policy = when_full::give_up;
+    static constexpr auto set = Set;
     static constexpr std::size_t reads = block_size;
     static constexpr std::size_t writes = longest_result;
 
@@ -112,6 +113,7 @@ struct from_single_bytes {
     const code_table *table;
 
     static constexpr auto policy = when_full::give_up;
+    static constexpr auto set = Set;
     static constexpr std::size_t reads = block_size;
     static constexpr std::size_t writes = longest_result;
 
@@ -193,13 +195,13 @@ using from_double_bytes_plain = from_double_bytes<ascii::plain_text, Set>;
 
 } // namespace
 
-transcoded transcode_to_utf8(const code_table &table, std::string_view text, buffer to) {
-    if (table.kind == charset_kind::iso2022jp)
-        return transcode_jis_to_utf8(table, text, to);
-    if (!table.keeps_ascii)
-        return transcode_by<from_double_bytes_plain>(table, text, to);
-    return table.kind == charset_kind::single_byte ? transcode_by<from_single_bytes>(table, text, to)
-                                                   : transcode_by<from_double_bytes_all>(table, text, to);
+transcoder transcoder_to_utf8(charset_kind from, bool keeps_ascii) {
+    if (from == charset_kind::iso2022jp)
+        return transcoder_from_jis_to_utf8();
+    if (!keeps_ascii)
+        return transcoder_by<from_double_bytes_plain>();
+    return from == charset_kind::single_byte ? transcoder_by<from_single_bytes>()
+                                             : transcoder_by<from_double_bytes_all>();
 }
 
 } // namespace zel

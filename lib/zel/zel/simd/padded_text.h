@@ -10,8 +10,10 @@
 #pragma once
 
 #include "zel/simd/block64.h"
+#include "zel/simd/instructions.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 
 namespace zel {
@@ -57,7 +59,7 @@ inline text_word load_short_text(const unsigned char *from, std::size_t length) 
     return word;
 }
 
-// The last length % word_size bytes of a text, and padding behind them.
+// The last length % word_size bytes of a text, and a word of padding behind them.
 inline text_word load_last_word(const unsigned char *from, std::size_t length, text_word padding) {
     const std::size_t count = length % word_size;
     const text_word bytes =
@@ -66,10 +68,14 @@ inline text_word load_last_word(const unsigned char *from, std::size_t length, t
     return bytes | moved_behind(padding, count);
 }
 
-// The last length % vector_size bytes of a text, and padding behind them. They fill one word or reach into a
-// second one: both cases are worked out and a mask keeps one of them, as no branch could be foreseen.
-inline vector_bytes load_last_vector(const unsigned char *from, std::size_t length, text_word padding) {
+// The last length % vector_size bytes of a text, and a byte of padding over and over behind them. They fill
+// one word or reach into a second one: both cases are worked out and a mask keeps one of them, as no branch
+// could be foreseen.
+template <instructions>
+inline vector_bytes load_last_vector(const unsigned char *from, std::size_t length,
+                                     unsigned char padding_byte) {
     using vector_words = text_word __attribute__((vector_size(vector_size)));
+    const text_word padding = text_word{0x0101010101010101} * padding_byte;
     const std::size_t count = length % vector_size;
     const text_word last = load_last_word(from, length, padding);
     const text_word whole = length < word_size ? 0 : load_word(from + length - std::max(count, word_size));
@@ -79,6 +85,31 @@ inline vector_bytes load_last_vector(const unsigned char *from, std::size_t leng
     return reinterpret_cast<vector_bytes>(vector_words{in_order_of_text(first), in_order_of_text(second)});
 }
 
+#ifdef __x86_64__
+// From each place of it on, so many bytes less of a vector are left; 0x80 stands for none.
+inline constexpr auto shuffles_to_front = [] {
+    std::array<unsigned char, 2 *vector_size> places = {};
+    for (std::size_t at = 0; at < places.size(); ++at)
+        places[at] = static_cast<unsigned char>(at < vector_size ? at : 0x80);
+    return places;
+}();
+
+// By one shuffle where the text fills a vector: its last sixteen bytes are loaded, and those of them that
+// belong to the vector before are moved out.
+template <>
+ZEL_AVX2 inline vector_bytes load_last_vector<instructions::avx2>(const unsigned char *from,
+                                                                  std::size_t length, unsigned char padding) {
+    if (length < vector_size)
+        return load_last_vector<instructions::base>(from, length, padding);
+    const std::size_t before = vector_size - length % vector_size;
+    const vector_bytes last = load_vector(from + length - vector_size);
+    const vector_bytes places = load_vector(&shuffles_to_front[before]);
+    const __m128i moved =
+        _mm_shuffle_epi8(reinterpret_cast<__m128i>(last), reinterpret_cast<__m128i>(places));
+    return reinterpret_cast<vector_bytes>(moved) | (are_high(places).bytes & padding);
+}
+#endif
+
 // Holds a text that is shorter than it.
 template <std::size_t Size>
 struct padded_text {
@@ -86,6 +117,7 @@ struct padded_text {
     static_assert(Size % vector_size == 0);
 
     // How much is stored does not depend on the length, so that no branch has to be foreseen.
+    template <instructions Set>
     const unsigned char *copy(const unsigned char *from, std::size_t length, unsigned char padding) {
         for (std::size_t at = 0; at < Size; at += vector_size)
             store_vector(bytes + at, vector_bytes{} + padding);
@@ -94,7 +126,7 @@ struct padded_text {
             const std::size_t place = std::min(at, whole - vector_size);
             store_vector(bytes + place, load_vector(from + place));
         }
-        store_vector(bytes + whole, load_last_vector(from, length, text_word{0x0101010101010101} * padding));
+        store_vector(bytes + whole, load_last_vector<Set>(from, length, padding));
         return bytes;
     }
 };
@@ -102,7 +134,8 @@ struct padded_text {
 // A text of less than a block, with zeros behind it.
 inline block64 load_rest(std::string_view text) {
     padded_text<block_size> rest;
-    return load_block(rest.copy(reinterpret_cast<const unsigned char *>(text.data()), text.size(), 0));
+    return load_block(
+        rest.copy<instructions::base>(reinterpret_cast<const unsigned char *>(text.data()), text.size(), 0));
 }
 
 } // namespace zel

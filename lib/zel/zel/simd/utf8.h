@@ -36,7 +36,7 @@ inline utf8_block utf8_shape(const block64 &block) {
     const auto between = [&](unsigned char first, unsigned char last) {
         return mask_of(block, [=](vector_bytes bytes) { return are_between(bytes, first, last); });
     };
-    return {mask_of(block, are_high), between(0xC2, 0xDF), between(0xE0, 0xEF),
+    return {mask_of(block, are_high), between(0xC0, 0xDF), between(0xE0, 0xEF),
             mask_of(block, are_continuations)};
 }
 
@@ -54,8 +54,7 @@ constexpr std::size_t whole_characters(const utf8_block &shape, std::size_t byte
 }
 
 // Whether each lead byte has its continuation bytes and each continuation byte its lead byte, and no byte is
-// neither. Overlong forms of three bytes and surrogates pass, and so does a last character that the block
-// cuts off.
+// neither. Overlong forms and surrogates pass, and so does a last character that the block cuts off.
 constexpr bool is_well_formed(const utf8_block &shape) {
     const bitmask64 expected = lead_bytes(shape) << 1 | shape.three_byte << 2;
     return expected == shape.continuation && (shape.high & ~(lead_bytes(shape) | expected)) == 0;
@@ -69,8 +68,8 @@ constexpr bool is_well_formed(const utf8_block &shape) {
 //     three bytes    1110dddd 10aaaabb 10cccccc     x = 10aaaabb, y = 10cccccc
 //     code unit      ddddaaaa bbcccccc              dddd only from a lead byte of three
 //
-// A character that the block cuts off has none. Gives the places of overlong forms: of three bytes whose code
-// unit would fit two.
+// A character that the block cuts off has none. Gives the places of overlong forms, whose code unit would fit
+// fewer bytes.
 template <instructions>
 inline bitmask64 store_code_units(std::uint16_t *units, const block64 &block) {
     bitmask64 overlong = 0;
@@ -87,7 +86,9 @@ inline bitmask64 store_code_units(std::uint16_t *units, const block64 &block) {
         const vector_pair numbers = numbers_of(low, high);
         store_vector(units + i * vector_size, numbers.first);
         store_vector(units + i * vector_size + vector_size / 2, numbers.last);
-        overlong |= bitmask64{bits_of(three_byte & are_between(high, 0x00, 0x07))} << i * vector_size;
+        const vector_mask fits_two = three_byte & are_between(high, 0x00, 0x07);
+        const vector_mask fits_one = are_between(first, 0xC0, 0xC1);
+        overlong |= bitmask64{bits_of(fits_two | fits_one)} << i * vector_size;
     }
     return overlong;
 }
@@ -121,12 +122,20 @@ ZEL_AVX2 inline bitmask64 mask_of(__m256i low, __m256i high) {
            bitmask64{static_cast<std::uint32_t>(_mm256_movemask_epi8(high))} << block_size / 2;
 }
 
+// The highest bits of all bytes; what is shifted in from the byte below goes to the other end of a byte.
+template <int Place>
+ZEL_AVX2 inline bitmask64 bit_of(__m256i low, __m256i high) {
+    return mask_of(_mm256_slli_epi16(low, 7 - Place), _mm256_slli_epi16(high, 7 - Place));
+}
+
+// By four bits of each byte: 110..... 1110.... 10......
 template <>
 ZEL_AVX2 inline utf8_block utf8_shape<instructions::avx2>(const block64 &block) {
     const __m256i low = half_of(block, 0), high = half_of(block, 2);
-    return {mask_of(low, high), mask_of(are_between(low, 0xC2, 0xDF), are_between(high, 0xC2, 0xDF)),
-            mask_of(are_between(low, 0xE0, 0xEF), are_between(high, 0xE0, 0xEF)),
-            mask_of(are_between(low, 0x80, 0xBF), are_between(high, 0x80, 0xBF))};
+    const bitmask64 bit7 = mask_of(low, high), bit6 = bit_of<6>(low, high);
+    const bitmask64 bit5 = bit_of<5>(low, high), bit4 = bit_of<4>(low, high);
+    const bitmask64 leads = bit7 & bit6;
+    return {bit7, leads & ~bit5, leads & bit5 & ~bit4, bit7 & ~bit6};
 }
 
 // Gives the overlong forms.
@@ -146,7 +155,9 @@ ZEL_AVX2 inline __m256i store_code_units(std::uint16_t *units, __m256i first, __
     _mm_storeu_si128(to + 1, _mm256_castsi256_si128(odd));
     _mm_storeu_si128(to + 2, _mm256_extracti128_si256(even, 1));
     _mm_storeu_si128(to + 3, _mm256_extracti128_si256(odd, 1));
-    return _mm256_and_si256(three_byte, are_between(high, 0x00, 0x07));
+    const __m256i fits_two = _mm256_and_si256(three_byte, are_between(high, 0x00, 0x07));
+    const __m256i fits_one = _mm256_cmpeq_epi8(_mm256_and_si256(first, all_bytes(0xFE)), all_bytes(0xC0));
+    return _mm256_or_si256(fits_two, fits_one);
 }
 
 template <>

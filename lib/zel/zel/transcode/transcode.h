@@ -41,6 +41,7 @@ concept kernel = requires(K each, cursors &at) {
     requires K::reads >= block_size &&K::reads <= 2 * block_size;
     requires K::writes >= block_size;
     { K::policy } -> std::convertible_to<when_full>;
+    { K::set } -> std::convertible_to<instructions>;
     { each.block_step(at) } -> std::same_as<status>;
     { each.scalar_step(at) } -> std::same_as<status>;
 };
@@ -66,7 +67,8 @@ template <kernel K>
 status take_block_near_end(K &each, cursors &at) {
     padded_text<2 * K::reads - block_size> text;
     unsigned char converted[K::writes];
-    const unsigned char *const from = left(at) < K::reads ? text.copy(at.from, left(at), ' ') : at.from;
+    const unsigned char *const from =
+        left(at) < K::reads ? text.template copy<K::set>(at.from, left(at), ' ') : at.from;
     const bool is_wide = room(at) >= K::writes;
     unsigned char *const to = is_wide ? at.to : converted;
     cursors part = {from, from + left(at), to, is_wide ? at.to_end : converted + sizeof converted};
