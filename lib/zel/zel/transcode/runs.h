@@ -141,9 +141,38 @@ void take_led_runs(Text &text, const chunk &of, std::size_t place, cursors &at) 
 //   opening, closing             the lengths of the shifts in front of pairs and behind them
 //   opens_pairs, closes_pairs    whether such a shift stands at a place
 //   put_pairs(at, bytes)         changes a run of pairs; false where it cannot
+//
+// Shifts end runs of single bytes. So the bits of those lead from shift to shift within the next 64 bytes, and
+// no run waits for the one before it to be looked through. This stops in front of what is not that simple.
+template <class Text>
+void take_short_shifted_runs(Text &text, const chunk &of, std::size_t place, cursors &at) {
+    const unsigned char *const start = at.from;
+    bitmask64 shifts = of.ends_singles.from(place);
+    for (;;) {
+        const std::size_t opening = first_of(shifts);
+        shifts = without_first(shifts);
+        const std::size_t closing = first_of(shifts), pairs = opening + Text::opening;
+        shifts = without_first(shifts);
+        if (closing == block_size || place + closing >= of.length || !Text::opens_pairs(start + opening) ||
+            run_of_pairs(of, place + pairs) != closing - pairs || !Text::closes_pairs(start + closing))
+            return;
+        copy_singles(at, static_cast<std::size_t>(start + opening - at.from));
+        at.from += Text::opening;
+        text.in_pairs = true;
+        if (!text.put_pairs(at, closing - pairs))
+            return;
+        at.from += Text::closing;
+        text.in_pairs = false;
+    }
+}
+
 template <class Text>
 void take_shifted_runs(Text &text, const chunk &of, std::size_t place, cursors &at) {
     if (!text.in_pairs) {
+        const unsigned char *const start = at.from;
+        take_short_shifted_runs(text, of, place, at);
+        if (at.from != start)
+            return;
         const std::size_t singles = run_of_singles(of, place);
         copy_singles(at, singles);
         if (!Text::opens_pairs(at.from))
