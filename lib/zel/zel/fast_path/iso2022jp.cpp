@@ -1,12 +1,15 @@
-// ISO-2022-JP to UTF-8 and back, as far as it knows ASCII and JIS X 0208. Runs of single bytes are copied,
-// and the characters of a kanji run looked up one by one: that a run ends is told by its escape sequence.
+// ISO-2022-JP to UTF-8 and back, as far as it knows ASCII and JIS X 0208. To UTF-8, runs of single bytes are
+// copied, and the characters of a kanji run looked up one by one: that a run ends is told by its escape
+// sequence. From UTF-8, all codes of a block are looked up first, and its runs copied to between the escape
+// sequences.
 //
 // Invariant: between two blocks the kernel remembers which run it is in, and nothing else.
 
 #include "zel/fast_path/characters.h"
+#include "zel/fast_path/code_look_up.h"
 #include "zel/fast_path/table_transcoders.h"
 
-#include "zel/simd/utf8.h"
+#include "zel/simd/squeeze.h"
 #include "zel/transcode/runs.h"
 
 namespace zel {
@@ -96,60 +99,41 @@ struct utf8_to_jis {
     // each.
     static constexpr std::size_t writes = (block_size / 3 + 1) * (3 + 2 * longest_shift) + block_size;
 
-    // False where a character does not become two bytes.
-    bool put_characters(cursors &at, const std::uint16_t *units, bitmask64 leads) const {
-        unsigned lacking = 0; // its highest bit is set by a code of less than two bytes
-        for (; leads; leads = without_first(leads)) {
-            const charset_code code = table->codes[units[first_of(leads)]];
-            lacking |= code - unsigned{first_double_byte};
-            store_two_bytes(at.to, code);
-            at.to += 2;
+    // Copies what the characters between two edges of runs have become, and puts an escape sequence at each
+    // edge.
+    void put_runs(cursors &at, const unsigned char *squeezed, bitmask64 kept, bitmask64 edges) {
+        std::size_t done = 0;
+        for (; edges; edges = without_first(edges)) {
+            const auto end = static_cast<std::size_t>(std::popcount(kept & in_front_of_first(edges)));
+            store_block(at.to, load_block(squeezed + done));
+            at.to += end - done;
+            done = end;
+            writer.change_set(!writer.in_kanji, at);
         }
-        return lacking >> 31 == 0;
+        store_block(at.to, load_block(squeezed + done));
+        at.to += static_cast<std::size_t>(std::popcount(kept)) - done;
     }
 
-    // Run by run, on copies of the cursors and of the writer.
-    bool put_runs(cursors &at, const block64 &block, const utf8_block &shape, std::size_t length) {
-        std::uint16_t units[block_size];
-        const bitmask64 leads = lead_bytes(shape) & first_bits(length);
-        if (store_code_units<Set>(units, block) & leads)
-            return false;
-        const unsigned char *const start = at.from;
-        for (std::size_t place = 0; place < length;) {
-            const std::size_t singles = std::min(first_of(shape.high >> place), length - place);
-            if (singles > 0) {
-                writer.change_set(false, at);
-                at.from = start + place;
-                copy_singles(at, singles);
-                place += singles;
-                if (place == length)
-                    break;
-            }
-            const bitmask64 behind = ~shape.high >> place;
-            writer.change_set(true, at);
-            if (!put_characters(at, units + place, leads >> place & in_front_of_first(behind)))
-                return false;
-            place += std::min(first_of(behind), length - place);
-        }
-        at.from = start + length;
-        return true;
-    }
-
-    status block_step(cursors &whole) {
-        const block64 block = load_block(whole.from);
+    status block_step(cursors &at) {
+        const block64 block = load_block(at.from);
         const utf8_block shape = utf8_shape<Set>(block);
         if (has_any(block, are_special_controls) || !is_well_formed(shape)) [[unlikely]]
             return status::declined;
         if (!shape.high && !writer.in_kanji) {
-            copy_kept<are_not_kept<ascii::plain_text>, Set>(whole, block);
+            copy_kept<are_not_kept<ascii::plain_text>, Set>(at, block);
             return status::done;
         }
-        utf8_to_jis each = *this;
-        cursors at = whole;
-        if (!each.put_runs(at, block, shape, whole_characters(shape, left(whole)))) [[unlikely]]
+        const std::size_t length = whole_characters(shape, left(at));
+        const bitmask64 bytes = first_bits(length);
+        unsigned char looked_up[block_size + 1];
+        const bitmask64 kept = code_look_up<false, Set>{table}.store_all(looked_up, block, shape, bytes);
+        if (!kept) [[unlikely]]
             return status::declined;
-        whole = at;
-        *this = each;
+        unsigned char squeezed[2 * block_size + squeeze_slack] = {};
+        squeeze_block<Set>(squeezed, looked_up, kept);
+        const bitmask64 behind_kanji = shape.high << 1 | bitmask64{writer.in_kanji};
+        put_runs(at, squeezed, kept, (shape.high ^ behind_kanji) & bytes);
+        at.from += length;
         return status::done;
     }
 

@@ -142,8 +142,9 @@ void take_led_runs(Text &text, const chunk &of, std::size_t place, cursors &at) 
 //   opens_pairs, closes_pairs    whether such a shift stands at a place
 //   put_pairs(at, bytes)         changes a run of pairs; false where it cannot
 //
-// Shifts end runs of single bytes. So the bits of those lead from shift to shift within the next 64 bytes, and
-// no run waits for the one before it to be looked through. This stops in front of what is not that simple.
+// Shifts end runs of single bytes. So the bits of those lead from shift to shift within the next 64 bytes,
+// and no run waits for the one before it to be looked through. This stops in front of what is not that
+// simple.
 template <class Text>
 void take_short_shifted_runs(Text &text, const chunk &of, std::size_t place, cursors &at) {
     const unsigned char *const start = at.from;
