@@ -22,13 +22,20 @@ TEST(WideSteps, gather_a_bit_for_each_byte) {
     }
 }
 
+template <instructions Set>
+std::string padded(const std::string &text) {
+    const exact_buffer from(text);
+    padded_text<2 * block_size> to;
+    const auto *const start = reinterpret_cast<const unsigned char *>(from.data());
+    return std::string(reinterpret_cast<const char *>(to.copy<Set>(start, from.size(), '.')), sizeof to);
+}
+
 TEST(WideSteps, pad_a_text_of_each_length) {
     for (std::string text; text.size() < 2 * block_size; text += static_cast<char>('A' + text.size() % 53)) {
-        const exact_buffer from(text);
-        padded_text<2 * block_size> padded;
-        const auto *const start = reinterpret_cast<const unsigned char *>(from.data());
-        const auto *const bytes = reinterpret_cast<const char *>(padded.copy(start, from.size(), '.'));
-        ASSERT_EQ(std::string(bytes, 2 * block_size), text + std::string(2 * block_size - text.size(), '.'));
+        const std::string dots(2 * block_size - text.size(), '.');
+        ASSERT_EQ(padded<instructions::base>(text), text + dots);
+        const std::string wide = has_avx2() ? padded<instructions::avx2>(text) : text + dots;
+        ASSERT_EQ(wide, text + dots);
     }
 }
 
