@@ -6,146 +6,60 @@
 
 #include <valgrind/callgrind.h>
 
-#include <cstdio>
-#include <cstring>
 #include <functional>
+#include <iterator>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
 
+using namespace std::placeholders;
+
 constexpr std::size_t half = 16 * 1024;
 
 constexpr const char *patterns[] = {
-    "=?",
-    "?=",
-    "=?utf-8?Q?",
-    "=?utf-8?Q?a?=",
-    "=?utf-8?B?w7w=?=\r\n ",
-    "%",
-    "%41",
-    "'",
-    "\"",
-    "~",
-    "~{",
-    "~{!!~}",
-    "\x1B",
-    "\x1B$B",
-    "\x1B$B!!\x1B(B",
-    "\x0E\x0F",
-    "\x1B$)C\x0E!",
-    "\r\n ",
-    "\r",
-    " ",
-    ",",
-    "=",
-    "&",
-    "&-",
-    "a",
-    "\\",
-    "\xE3\x81\x82",
-    "あ ",
-    "\xC3\xA9",
-    "\xF0\x9F\x98\x80",
-    "\xA4\xA2",
-    "\xA4 ",
-    "\xE9",
+    // encoded words and parameters
+    "=?", "?=", "=?utf-8?Q?", "=?utf-8?Q?a?=", "=?utf-8?B?w7w=?=\r\n ", "%", "%41", "'", "\"", "\r\n ", "\r",
+    " ", ",", "=", "&", "&-", "a", "\\",
+    // escape sequences
+    "~", "~{", "~{!!~}", "\x1B", "\x1B$B", "\x1B$B!!\x1B(B", "\x0E\x0F", "\x1B$)C\x0E!",
+    // characters of several charsets
+    "\xE3\x81\x82", "あ ", "\xC3\xA9", "\xF0\x9F\x98\x80", "\xA4\xA2", "\xA4 ", "\xE9",
     "abc defg \xE3\x81\x82 ",
-    "\u0301\u0316",
-    "\u0F71",
-    "\u0F75\u0F71\u0316",
-    "\u0307",
-    "\U0001D165\U0001D16D",
-};
-
-struct function {
-    const char *name;
-    std::function<void(char *text, std::int32_t length)> call;
-};
-
-using taker = std::int32_t (*)(char *text, std::int32_t length, char *to, std::int32_t size);
+    // marks on one letter
+    "\u0301\u0316", "\u0F71", "\u0F75\u0F71\u0316", "\u0307", "\U0001D165\U0001D16D"};
 
 std::vector<char> room(512 * half);
+const auto room_size = static_cast<std::int32_t>(room.size());
+
+using call = std::function<void(char *text, std::int32_t length)>;
 
 // Asks for the size, takes the whole, and then half of it.
-template <class Call>
-void in_all_sizes(Call call) {
-    const std::int32_t need = call(room.data(), -1);
-    if (need < 0)
-        return;
-    call(room.data(), need + 1);
-    call(room.data(), need / 2);
+call in_all_sizes(const std::function<std::int32_t(char *text, char *to, std::int32_t size)> &write) {
+    return [=](char *text, std::int32_t) {
+        const std::int32_t need = write(text, room.data(), -1);
+        if (need < 0)
+            return;
+        write(text, room.data(), need + 1);
+        write(text, room.data(), need / 2);
+    };
 }
 
-std::function<void(char *, std::int32_t)> converting(const char *from, const char *to) {
+call converting(const char *from, const char *to) {
     return [=](char *text, std::int32_t length) {
         const std::int32_t need = ZEL_GetResultBufferSize(text, length, from, to);
         ZEL_ConvertBuffer(from, to, text, length, room.data(), need);
         ZEL_ConvertBuffer(from, to, text, length, room.data(), need / 4);
         ZEL_Free(ZEL_LocalToLocal(text, from, to));
-        const char *const list[] = {text};
         char *result = nullptr;
-        ZEL_ConvertBufferArray(from, to, list, 1, &result);
+        ZEL_ConvertBufferArray(from, to, &text, 1, &result);
         ZEL_Free(result);
     };
 }
 
-std::function<void(char *, std::int32_t)> directly(decltype(&hz2gb) convert) {
-    return [=](char *text, std::int32_t length) { convert(text, length, room.data(), 5 * length + 4); };
-}
-
-std::function<void(char *, std::int32_t)> header_out(const char *language, const char *charset) {
-    return [=](char *text, std::int32_t) {
-        in_all_sizes([=](char *to, std::int32_t size) {
-            return ZEL_LocalToInternetMessageHeader(language, charset, text, to, size);
-        });
-    };
-}
-
-std::function<void(char *, std::int32_t)> header_in(const char *language, const char *charset) {
-    return [=](char *text, std::int32_t) {
-        in_all_sizes([=](char *to, std::int32_t size) {
-            return ZEL_InternetMessageHeaderToLocal(language, text, charset, to, size);
-        });
-    };
-}
-
-std::function<void(char *, std::int32_t)> parameter_out(const char *language, const char *charset) {
-    return [=](char *text, std::int32_t) {
-        in_all_sizes([=](char *to, std::int32_t size) {
-            return ZEL_LocalToRFC2231(language, "filename", charset, text, to, size);
-        });
-    };
-}
-
-std::function<void(char *, std::int32_t)> body_out(const char *language, const char *charset) {
-    return [=](char *text, std::int32_t) {
-        in_all_sizes([=](char *to, std::int32_t size) {
-            return ZEL_LocalToInternetMessageBody(language, charset, text, to, size, 1);
-        });
-    };
-}
-
-std::function<void(char *, std::int32_t)> body_in(const char *language, const char *from,
-                                                  const char *to_charset) {
-    return [=](char *text, std::int32_t) {
-        in_all_sizes([=](char *to, std::int32_t size) {
-            return ZEL_InternetMessageBodyLocalToLocal(language, from, 0, text, to_charset, to, size);
-        });
-    };
-}
-
-void parameter_in(char *text, std::int32_t) {
-    for (const std::string fields : {"", "iso-2022-jp'ja'"})
-        in_all_sizes([value = fields + text](char *to, std::int32_t size) {
-            return ZEL_RFC2231ToLocal(nullptr, value.c_str(), "Shift_JIS", to, size);
-        });
-}
-
-void name_of_parameter(char *text, std::int32_t) {
-    in_all_sizes([=](char *to, std::int32_t size) {
-        return ZEL_LocalToRFC2231("de", text, "UTF-8", "a long name: é", to, size);
-    });
+call directly(decltype(&hz2gb) convert) {
+    return std::bind(convert, _1, _2, room.data(), room_size);
 }
 
 void tags(char *text, std::int32_t) {
@@ -175,10 +89,6 @@ void strings(char *text, std::int32_t) {
     ZEL_Free(ZEL_UTF8ToEscapedUnicode(text, 1));
 }
 
-void base64(char *text, std::int32_t length) {
-    ZEL_ApplyBase64Encoding(text, length, room.data(), ZEL_ApplyBase64Encoding(text, length, nullptr, -1));
-}
-
 void vcards(char *text, std::int32_t) {
     ZEL_Free(ZEL_LocalToVCard21("de", "UTF-8", text));
     ZEL_Free(ZEL_LocalToVCard21("ja", "UTF-8", text));
@@ -191,7 +101,7 @@ void validity(char *text, std::int32_t) {
 }
 
 // With a difference at the end and with one at the front that what follows may outweigh.
-std::function<void(char *, std::int32_t)> comparing(const char *language) {
+call comparing(const char *language) {
     return [=](char *text, std::int32_t) {
         const std::string whole = text;
         ZEL_CompareStrings(language, "UTF-8", text, (whole + "x").c_str());
@@ -224,7 +134,16 @@ void writers(char *text, std::int32_t) {
     }
 }
 
-const function functions[] = {
+constexpr auto header_out = ZEL_LocalToInternetMessageHeader;
+constexpr auto header_in = ZEL_InternetMessageHeaderToLocal;
+constexpr auto parameter_out = ZEL_LocalToRFC2231;
+constexpr auto body_out = ZEL_LocalToInternetMessageBody;
+constexpr auto body_in = ZEL_InternetMessageBodyLocalToLocal;
+
+const struct function {
+    const char *name;
+    call calls;
+} functions[] = {
     {"buffers, UTF-8 to Shift_JIS", converting("UTF-8", "Shift_JIS")},
     {"buffers, Shift_JIS to UTF-8", converting("Shift_JIS", "UTF-8")},
     {"buffers, UTF-8 to ISO-2022-JP", converting("UTF-8", "iso-2022-jp")},
@@ -239,28 +158,33 @@ const function functions[] = {
     {"hz2gb", directly(hz2gb)},
     {"big2gb", directly(big2gb)},
     {"gb2big5", directly(gb2big5)},
-    {"header out, de", header_out("de", "UTF-8")},
-    {"header out, ja", header_out("ja", "UTF-8")},
-    {"header out, ja from Shift_JIS", header_out("ja", "Shift_JIS")},
-    {"header out, zh-TW from Big5", header_out("zh-TW", "big5")},
-    {"header in, de", header_in("de", "UTF-8")},
-    {"header in, ja to UTF-8", header_in("ja", "UTF-8")},
-    {"header in, ja to Shift_JIS", header_in("ja", "Shift_JIS")},
-    {"parameter out, de", parameter_out("de", "UTF-8")},
-    {"parameter out, ja", parameter_out("ja", "UTF-8")},
-    {"name of a parameter", name_of_parameter},
-    {"parameter in", parameter_in},
-    {"body out, de", body_out("de", "UTF-8")},
-    {"body out, ja", body_out("ja", "UTF-8")},
-    {"body out, ja from EUC-JP", body_out("ja", "euc-jp")},
-    {"body out, ko", body_out("ko", "UTF-8")},
-    {"body in, ja", body_in("ja", "iso-2022-jp", "euc-jp")},
-    {"body in, ja to UTF-8", body_in("ja", "iso-2022-jp", "UTF-8")},
-    {"body in, zh-CN from HZ", body_in("zh-CN", "hz-gb-2312", "gb2312")},
+    {"header out, de", in_all_sizes(std::bind(header_out, "de", "UTF-8", _1, _2, _3))},
+    {"header out, ja", in_all_sizes(std::bind(header_out, "ja", "UTF-8", _1, _2, _3))},
+    {"header out, ja from Shift_JIS", in_all_sizes(std::bind(header_out, "ja", "Shift_JIS", _1, _2, _3))},
+    {"header out, zh-TW from Big5", in_all_sizes(std::bind(header_out, "zh-TW", "big5", _1, _2, _3))},
+    {"header in, de", in_all_sizes(std::bind(header_in, "de", _1, "UTF-8", _2, _3))},
+    {"header in, ja to UTF-8", in_all_sizes(std::bind(header_in, "ja", _1, "UTF-8", _2, _3))},
+    {"header in, ja to Shift_JIS", in_all_sizes(std::bind(header_in, "ja", _1, "Shift_JIS", _2, _3))},
+    {"parameter out, de", in_all_sizes(std::bind(parameter_out, "de", "filename", "UTF-8", _1, _2, _3))},
+    {"parameter out, ja", in_all_sizes(std::bind(parameter_out, "ja", "filename", "UTF-8", _1, _2, _3))},
+    {"name of a parameter", in_all_sizes(std::bind(parameter_out, "de", _1, "UTF-8", "long: é", _2, _3))},
+    {"parameter in", in_all_sizes(std::bind(ZEL_RFC2231ToLocal, nullptr, _1, "Shift_JIS", _2, _3))},
+    {"parameter in, ja", in_all_sizes([](const char *text, char *to, std::int32_t size) {
+         const std::string value = std::string("iso-2022-jp'ja'") + text;
+         return ZEL_RFC2231ToLocal(nullptr, value.c_str(), "Shift_JIS", to, size);
+     })},
+    {"body out, de", in_all_sizes(std::bind(body_out, "de", "UTF-8", _1, _2, _3, 1))},
+    {"body out, ja", in_all_sizes(std::bind(body_out, "ja", "UTF-8", _1, _2, _3, 1))},
+    {"body out, ja from EUC-JP", in_all_sizes(std::bind(body_out, "ja", "euc-jp", _1, _2, _3, 1))},
+    {"body out, ko", in_all_sizes(std::bind(body_out, "ko", "UTF-8", _1, _2, _3, 1))},
+    {"body in, ja", in_all_sizes(std::bind(body_in, "ja", "iso-2022-jp", 0, _1, "euc-jp", _2, _3))},
+    {"body in, ja to UTF-8", in_all_sizes(std::bind(body_in, "ja", "iso-2022-jp", 0, _1, "UTF-8", _2, _3))},
+    {"body in, zh-CN from HZ",
+     in_all_sizes(std::bind(body_in, "zh-CN", "hz-gb-2312", 0, _1, "gb2312", _2, _3))},
     {"tags", tags},
     {"policies", policies},
     {"strings", strings},
-    {"Base64", base64},
+    {"Base64", std::bind(ZEL_ApplyBase64Encoding, _1, _2, room.data(), room_size)},
     {"vCard values", vcards},
     {"validity", validity},
     {"comparison, de", comparing("de")},
@@ -278,42 +202,38 @@ std::string text_of(std::string_view pattern, std::size_t size) {
     return text;
 }
 
-void count(const std::string &label, const std::function<void(char *, std::int32_t)> &call,
-           std::string text) {
+void run(const call &measured, std::string text) {
+    measured(text.data(), static_cast<std::int32_t>(text.size()));
+}
+
+void count(const std::string &label, const call &measured, std::string text) {
     CALLGRIND_ZERO_STATS;
-    call(text.data(), static_cast<std::int32_t>(text.size()));
+    run(measured, std::move(text));
     CALLGRIND_DUMP_STATS_AT(label.c_str());
 }
 
 void count_growth(const function &measured) {
-    for (const char *pattern : {"あ ", "é\x83"}) { // what is opened or built once does not count
-        std::string text = text_of(pattern, 8 * half);
-        measured.call(text.data(), static_cast<std::int32_t>(text.size()));
-    }
+    for (const char *pattern : {"あ ", "é\x83"}) // what is opened or built once does not count
+        run(measured.calls, text_of(pattern, 8 * half));
     for (std::size_t pattern = 0; pattern < std::size(patterns); ++pattern)
         for (const std::size_t times : {1U, 2U})
             count(measured.name + ("|" + std::to_string(pattern) + "|" + std::to_string(times)),
-                  measured.call, text_of(patterns[pattern], times * half));
+                  measured.calls, text_of(patterns[pattern], times * half));
 }
 
-struct letter_of_pair {
+const struct letter_of_pair {
     const char *from, *to, *letter;
-};
-
-const letter_of_pair letters[] = {
+} letters[] = {
     {"UTF-8", "Shift_JIS", "漢"},    {"Shift_JIS", "UTF-8", "\x8A\xBF"}, {"UTF-8", "EUC-KR", "한"},
     {"EUC-KR", "UTF-8", "\xC7\xD1"}, {"UTF-8", "iso-8859-1", "ä"},       {"iso-8859-1", "UTF-8", "\xE4"},
     {"UTF-8", "iso-8859-5", "Ж"},    {"iso-8859-5", "UTF-8", "\xB6"},
 };
 
 void count_rhythm(const letter_of_pair &of) {
-    const auto convert = [&](char *text, std::int32_t length) {
-        ZEL_ConvertBuffer(of.from, of.to, text, length, room.data(), 4 * length);
-    };
+    const call convert = std::bind(ZEL_ConvertBuffer, of.from, of.to, _1, _2, room.data(), room_size);
     const std::string letter = of.letter;
-    std::string text = text_of(letter, 8 * half);
     for (int times = 0; times < 2; ++times) // opens converters, and builds the table
-        convert(text.data(), static_cast<std::int32_t>(text.size()));
+        run(convert, text_of(letter, 8 * half));
     const std::string label = std::string("rhythm|") + of.from + " to " + of.to;
     count(label + "|1", convert, text_of(letter, half));
     count(label + "|2", convert, text_of(letter + "a", half));
