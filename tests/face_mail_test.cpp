@@ -1,5 +1,5 @@
 // The C++ face for mail at large: what it reads and writes. What other readers make of it stands in
-// face_test.py. It and face_test.cpp are one program, as a host's sources are that share the face.
+// neighbours_test.py. It and face_test.cpp are one program, as a host's sources are that share the face.
 
 #include "zel.hpp"
 

@@ -1,5 +1,5 @@
 // The C++ face as a host sees it: what each function gives, and what it refuses. What GMime and Python read
-// of it stands in face_test.py.
+// of it stands in neighbours_test.py.
 
 #include "zel.hpp"
 

@@ -1,6 +1,5 @@
 // Does what each line of its input asks for, "read-header ARGUMENT HEX" and so on, and answers with a line of
-// hexadecimal digits: the way to the C++ face for tests in another language. The argument is a language, a
-// charset or the name of a parameter.
+// hexadecimal digits: the way to the library for tests in another language. The argument is a language.
 
 #include "zel.hpp"
 
@@ -11,30 +10,42 @@
 
 namespace {
 
-using operation = std::string (*)(std::string_view argument, std::string_view text);
+using view = std::string_view;
 
-const std::map<std::string, operation> operations = {
-    {"read-header", [](std::string_view, std::string_view text) { return zel::read_header(text); }},
-    {"read-parameter",
-     [](std::string_view name, std::string_view text) {
-         return zel::read_parameter(text, name).value_or("(none)");
-     }},
-    {"write-header",
-     [](std::string_view language, std::string_view text) { return zel::write_header(language, text); }},
-    {"write-phrase",
-     [](std::string_view language, std::string_view text) { return zel::write_phrase(language, text); }},
+std::string written_body(view language, view text) {
+    const zel::body body = zel::write_body(language, text);
+    return "Content-Type: text/plain; charset=" + body.charset +
+           "\r\nContent-Transfer-Encoding: " + body.transfer_encoding + "\r\n\r\n" + body.bytes;
+}
+
+// The exported functions that name no charset.
+template <auto call>
+std::string in_two_calls(view language, view text) {
+    const std::string tag(language);
+    std::string copy(text);
+    return zel::detail::in_two_calls(
+        [&](char *to_buf, std::int32_t to_size) { return call(tag.c_str(), copy.data(), to_buf, to_size); });
+}
+
+std::int32_t encode_body(const char *language, char *text, char *to_buf, std::int32_t to_size) {
+    return ZEL_UTF8ToInternetMessageBody(language, text, to_buf, to_size, 1);
+}
+
+std::int32_t decode_body(const char *language, char *text, char *to_buf, std::int32_t to_size) {
+    return ZEL_InternetMessageBodyToLocal(language, 0, text, "UTF-8", to_buf, to_size);
+}
+
+const std::map<std::string, std::string (*)(view language, view text)> operations = {
+    {"read-header", [](view, view text) { return zel::read_header(text); }},
+    {"write-header", [](view language, view text) { return zel::write_header(language, text); }},
+    {"write-phrase", [](view language, view text) { return zel::write_phrase(language, text); }},
     {"write-parameter",
-     [](std::string_view language, std::string_view text) {
-         return zel::write_parameter(language, "filename", text);
-     }},
-    {"write-body",
-     [](std::string_view language, std::string_view text) {
-         const zel::body body = zel::write_body(language, text);
-         return "Content-Type: text/plain; charset=" + body.charset +
-                "\r\nContent-Transfer-Encoding: " + body.transfer_encoding + "\r\n\r\n" + body.bytes;
-     }},
-    {"read-body",
-     [](std::string_view charset, std::string_view text) { return zel::read_body(charset, text); }},
+     [](view language, view text) { return zel::write_parameter(language, "filename", text); }},
+    {"write-body", written_body},
+    {"encode-header", in_two_calls<ZEL_UTF8ToInternetMessageHeader>},
+    {"decode-header", in_two_calls<ZEL_InternetMessageHeaderToUTF8>},
+    {"encode-body", in_two_calls<encode_body>},
+    {"decode-body", in_two_calls<decode_body>},
 };
 
 std::string from_hex(const std::string &digits) {
