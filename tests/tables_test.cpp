@@ -4,7 +4,6 @@
 #include "neighbour.h"
 #include "support.h"
 
-#include <algorithm>
 #include <functional>
 #include <set>
 
@@ -17,11 +16,10 @@ std::string mapped(std::int32_t (&convert)(const char *, std::int32_t, char *, s
     return std::string(to, static_cast<std::size_t>(length));
 }
 
-// Calls a test for each pair that a row of a charset has.
-void for_each_pair(int first_lead, int last_lead, int first_trail,
-                   const std::function<void(std::string)> &test) {
-    for (int lead = first_lead; lead <= last_lead; ++lead)
-        for (int trail = first_trail; trail <= 0xFE; ++trail)
+// Calls a test for each pair of Big5 from a row on.
+void for_each_pair(int first_lead, const std::function<void(std::string)> &test) {
+    for (int lead = first_lead; lead <= 0xF9; ++lead)
+        for (int trail = 0x40; trail <= 0xFE; ++trail)
             if (trail <= 0x7E || trail >= 0xA1)
                 test({static_cast<char>(lead), static_cast<char>(trail)});
 }
@@ -32,24 +30,16 @@ TEST(Tables, tell_traditional_from_simplified_characters) {
     } rows[] = {
         {"\xA1\x40", "\xA1\xA1", "\xA1\x40"}, {"\xA1\x41", "\xA3\xAC", "\xA1\x41"},
         {"\xA1\x44", "\xA3\xAE", "\xA1\x44"}, {"\xA1\x45", "\xA3\xAE", "\xA1\x44"},
-        {"\xA1\x4A", "\xA1\xC3", "\xA1\x4A"}, {"\xA4\x40", "\xD2\xBB", "\xA4\x40"},
+        {"\xA1\x4A", "\xA1\xC3", "\xA1\x4A"}, {"\xCA\x5E", "\xCC\xE5", "\xC5\xE9"},
         {"\xB0\xEA", "\xB9\xFA", "\xB0\xEA"}, {"\xC5\xE9", "\xCC\xE5", "\xC5\xE9"},
         {"\xB7\x52", "\xB0\xAE", "\xB7\x52"}, {"\xB5\x6F", "\xB7\xA2", "\xB5\x6F"},
         {"\xBE\x76", "\xB7\xA2", "\xB5\x6F"}, {"\xA6\x5A", "\xBA\xF3", "\xA6\x5A"},
-        {"\xB8\xCC", "\xC0\xEF", "\xA8\xBD"}, {"\xCA\x5E", "\xCC\xE5", "\xC5\xE9"},
+        {"\xB8\xCC", "\xC0\xEF", "\xA8\xBD"},
     };
     for (const auto &row : rows) {
         EXPECT_EQ(mapped(big2gb, row.big5), row.gb);
         EXPECT_EQ(mapped(gb2big5, row.gb), row.back);
     }
-}
-
-TEST(Tables, rows_without_counterpart_are_empty) {
-    const auto is_hole = [](const unsigned char *cell) { return !cell[0] && !cell[1]; };
-    for (const int lead : {0xC7, 0xC8})
-        EXPECT_TRUE(std::all_of(B2G + (lead - 0xA1) * 158, B2G + (lead - 0xA0) * 158, is_hole)) << lead;
-    for (const int lead : {0xA4, 0xA5, 0xA7, 0xAA, 0xAB, 0xAC, 0xAD, 0xAE, 0xAF})
-        EXPECT_TRUE(std::all_of(G2B + (lead - 0xA1) * 94, G2B + (lead - 0xA0) * 94, is_hole)) << lead;
 }
 
 TEST(Tables, cells_are_empty_or_a_character_of_the_other_set) {
@@ -66,7 +56,7 @@ TEST(Tables, cells_are_empty_or_a_character_of_the_other_set) {
 
 TEST(Tables, what_big5_reaches_comes_back_to_one_that_goes_there) {
     std::set<std::string> reached;
-    for_each_pair(0xA1, 0xF9, 0x40, [&](const std::string &big5) {
+    for_each_pair(0xA1, [&](const std::string &big5) {
         if (const std::string gb = mapped(big2gb, big5); gb != "??")
             reached.insert(gb);
     });
@@ -78,7 +68,7 @@ TEST(Tables, what_big5_reaches_comes_back_to_one_that_goes_there) {
 TEST(Tables, ideographs_that_both_sets_have_go_to_themselves) {
     const neighbour to_unicode("BIG5", "UTF-8"), to_gb("UTF-8", "GB2312");
     int shared = 0;
-    for_each_pair(0xA4, 0xF9, 0x40, [&](const std::string &big5) {
+    for_each_pair(0xA4, [&](const std::string &big5) {
         const std::string gb = to_gb(to_unicode(big5));
         if (gb.empty())
             return;
