@@ -97,10 +97,12 @@ class Reader(unittest.TestCase):
                                  (language, "rtl" if language == "ar" else "ltr"))
                 self.check_list(language, date)
                 self.check_letters()
-                self.check_download()
                 self.check_writing(text)
                 self.check_hostile()
-                self.check_order_of_time(language)
+                self.driver.get(self.mailbox.url)
+                self.assertEqual(self.texts(".subject")[0], "Zamówienie świąteczne")
+                if PICTURES:
+                    self.driver.save_screenshot(str(PICTURES / f"webmail.{language}.png"))
                 complaints = [entry for entry in self.driver.get_log("browser") if "favicon" not in entry["message"]]
                 self.assertEqual(complaints, [])
                 self.driver.quit()
@@ -123,13 +125,6 @@ class Reader(unittest.TestCase):
             self.driver.get(f"{self.mailbox.url}letter?name={name}")
             self.assertIn(text, self.texts("article")[0])
 
-    def check_download(self):
-        self.driver.get(f"{self.mailbox.url}letter?name=ja.iso-2022-jp.eml")
-        self.one(".files a").click()
-        file = self.mailbox.path / "downloads" / "会議資料.txt"
-        self.wait(file.exists)
-        file.unlink()
-
     def check_writing(self, text):
         body = f"{text}\n\n  <b>&amp; {text}\n" + text * 30
         name = text.split()[0]
@@ -142,8 +137,7 @@ class Reader(unittest.TestCase):
             self.driver.execute_script("document.getElementById(arguments[0]).value = arguments[1]", field, value)
         self.one("#file").send_keys(str(file))
         self.click(".letter button")
-        self.assertEqual(self.texts("h1"), [text])
-        self.assertEqual(self.texts("pre"), [body])
+        self.assertEqual(self.texts("h1, pre"), [text, body])
         shown = f'"{name}"' if "," in name else name
         self.assertEqual(self.texts("dd")[0], f"{shown} <from@example.org>")
         self.assertEqual(self.texts(".files a"), [file.name])
@@ -155,22 +149,15 @@ class Reader(unittest.TestCase):
             sent.unlink()
 
     def check_hostile(self):
-        path = self.mailbox.path / "Maildir" / "new" / "hostile"
-        path.write_text(f"From: {HOSTILE} <a@b.org>\nSubject: {HOSTILE}\nContent-Type: text/html\n\n{HOSTILE}")
-        for place in ("", "letter?name=hostile", "write?answer=hostile"):
+        message = f"From: {HOSTILE} <a@b.org>\nSubject: {HOSTILE}\nContent-Type: text/html\n\n{HOSTILE}"
+        self.mailbox.put("hostile", message.encode())
+        for place in ("", "write?answer=hostile", "letter?name=hostile"):
             self.driver.get(self.mailbox.url + place)
             self.assertNotEqual(self.driver.title, "run")
             self.assertEqual(self.texts("script, img"), [""])
-        self.driver.get(self.mailbox.url + "letter?name=hostile")
         self.assertEqual(self.texts("h1, pre"), [HOSTILE, HOSTILE])
         for letter in (self.mailbox.path / "Maildir").glob("*/hostile*"):
             letter.unlink()
-
-    def check_order_of_time(self, language):
-        self.driver.get(self.mailbox.url)
-        self.assertEqual(self.texts(".subject")[0], "Zamówienie świąteczne")
-        if PICTURES:
-            self.driver.save_screenshot(str(PICTURES / f"webmail.{language}.png"))
 
     def test_chooses_among_all_languages_on_the_page(self):
         self.open("en", "UTC")

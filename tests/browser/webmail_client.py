@@ -19,9 +19,7 @@ class Mailbox:
         self.path = pathlib.Path(self.directory.name)
         command = [program, "--maildir", self.path / "Maildir", "--listen", "127.0.0.1:0"]
         # GLib's own pools of memory look like races to the thread sanitizer, which does not see their locks.
-        environment = {**os.environ, "G_SLICE": "always-malloc"}
-        if bundles:
-            environment["ZEL_BUNDLES"] = str(bundles)
+        environment = {**os.environ, "G_SLICE": "always-malloc", **({"ZEL_BUNDLES": str(bundles)} if bundles else {})}
         self.process = subprocess.Popen(command, stdout=subprocess.PIPE, text=True, env=environment)
         self.url = self.process.stdout.readline().split()[0]
         self.port = urllib.parse.urlsplit(self.url).port
@@ -51,11 +49,10 @@ class Mailbox:
     def send(self, language, file=None, **fields):
         token = self.ask("/write").fields["token"]
         boundary = uuid.uuid4().hex
-        parts = [(f'name="{name}"', value) for name, value in ({"token": token} | fields).items()]
+        parts = [(f'name="{name}"', value.encode()) for name, value in ({"token": token} | fields).items()]
         parts += [(f'name="file"; filename="{file[0]}"\r\nContent-Type: text/html', file[1])] if file else []
-        body = b"".join(f"--{boundary}\r\nContent-Disposition: form-data; {head}\r\n\r\n".encode() + text
-                        + b"\r\n" for head, text in
-                        ((head, text.encode() if isinstance(text, str) else text) for head, text in parts))
+        body = b"".join(f"--{boundary}\r\nContent-Disposition: form-data; {head}\r\n\r\n".encode() + content + b"\r\n"
+                        for head, content in parts)
         return self.ask("/send", language, "POST", body + f"--{boundary}--\r\n".encode(),
                         Content_Type=f"multipart/form-data; boundary={boundary}")
 
