@@ -29,6 +29,7 @@ TEST(DirectConverters, follow_the_rules_of_each_charset) {
     } rows[] = {
         // an escape sequence at each change
         {eucjp2jis, "\xB0\xA1\x61", "\x1B$B0!\x1B(Ba"},
+        {eucjp2jis, "\x8E", "\x1B$B\x1B(B"},
         {eucjp2jis, "\x8E\xE0", "\x1B$B\x1B(B"},
         {eucjp2jis, "\xB0", "\x1B$B0\x1B(B"},
         {eucjp2jis, "\xB0\x0A", "\x1B$B0\x0A\x1B(B"},
