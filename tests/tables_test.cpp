@@ -42,18 +42,6 @@ TEST(Tables, tell_traditional_from_simplified_characters) {
     }
 }
 
-TEST(Tables, cells_are_empty_or_a_character_of_the_other_set) {
-    const neighbour from_gb("GB2312", "UTF-8"), from_big5("CP950", "UTF-8");
-    const auto expect_character = [](const neighbour &decode, const unsigned char *cell) {
-        const std::string pair(reinterpret_cast<const char *>(cell), 2);
-        EXPECT_TRUE(pair == std::string(2, '\0') || !decode(pair).empty()) << testing::PrintToString(pair);
-    };
-    for (const auto &cell : B2G)
-        expect_character(from_gb, cell);
-    for (const auto &cell : G2B)
-        expect_character(from_big5, cell);
-}
-
 TEST(Tables, what_big5_reaches_comes_back_to_one_that_goes_there) {
     std::set<std::string> reached;
     for_each_pair(0xA1, [&](const std::string &big5) {
