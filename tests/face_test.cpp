@@ -1,9 +1,9 @@
 // The C++ face as a host sees it: what each function gives, and what it refuses. What GMime and Python read
 // of it stands in neighbours_test.py.
 
-#include "wire.h"
-
 #include "zel.hpp"
+
+#include <gtest/gtest.h>
 
 #include <functional>
 
@@ -22,14 +22,15 @@ struct row {
 TEST_F(Face, hides_sizes_copies_and_terminators) {
     const row rows[] = {
         {zel::convert("a\0\xE9"s, "iso-8859-1", "utf-8"), "a\0é"s},
-        {zel::convert(repeated("\x82\xA0\x61", 3), "Shift_JIS", "iso-2022-jp"),
-         repeated("\x1B$B$\"\x1B(Ba", 3)},
+        {zel::convert("\x82\xA0\x61\x82\xA0\x61\x82\xA0", "Shift_JIS", "iso-2022-jp"),
+         "\x1B$B$\"\x1B(Ba\x1B$B$\"\x1B(Ba\x1B$B$\"\x1B(B"},
         {zel::convert("", "utf-8", "iso-2022-kr"), ""},
         {zel::convert_directly(sjis2jis, "\x93\xFA"), "\x1B$BF|\x1B(B"},
         {zel::decode_mailbox(zel::encode_mailbox("Entwürfe")), "Entwürfe"},
         {zel::local_to_utf8(zel::utf8_to_local("é")), "é"},
         {zel::escape_unicode("é\r", true), "\\u00E9\\u000D"},
-        {zel::encode_header("de", repeated("ü", 20)), "=?iso-8859-15?Q?" + repeated("=FC", 20) + "?="},
+        {zel::encode_header("de", "üüüüüüüüüüüüüüüüüüüü"),
+         "=?iso-8859-15?Q?=FC=FC=FC=FC=FC=FC=FC=FC=FC=FC=FC=FC=FC=FC=FC=FC=FC=FC=FC=FC?="},
         {zel::decode_header("ru", zel::encode_header("ru", "Привет, мир")), "Привет, мир"},
         {zel::encode_parameter("de", "name", "é"), "\tname*0*=iso-8859-15'de'%E9"},
         {zel::encode_parameter("de", "name", ""), ""},
