@@ -222,7 +222,7 @@ bool stays_good(const corpus &files, double minutes) {
         good = round_is_good(first_case, files);
         passed = duration<double, std::ratio<60>>(steady_clock::now() - start).count();
         most = std::max(most, resident_megabytes());
-        if (passed <= 1)
+        if (passed <= 1 || first_case == 0)
             settled = most;
         if (passed < told)
             continue;
