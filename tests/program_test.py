@@ -80,8 +80,8 @@ class Commands(Table):
             (["vcard", "-l", "cs", "kůň"], "", "k=F9=F2\n"),
             (["vcard", "-l", "de", "10 €"], "", "10 =1A\n", "argument 1: U+20AC is not in iso-8859-1"),
             (["date", "-l", "ja", "-z", "Asia/Tokyo", "1719450900"], "", "2024年6月27日木曜日 10:15:00 JST\n"),
-            (["date", "-l", "de", "-t", "iso-8859-1", "--", "-2"], "",
-             "Mittwoch, 31. Dezember 1969 um 23:59:58 GMT\n".encode("latin-1")),
+            (["date", "-l", "ja", "-z", "Asia/Tokyo", "-t", "utf-16be", "--", "-2"], "",
+             "1970年1月1日木曜日 8:59:58 GMT+9\n".encode("utf-16be")),
             (["sort", "-l", "de"], lines, "Apfel\nÄpfel\nÜbung\nZebra\n"),
             (["sort", "-l", "sv", "-c", "iso-8859-1"], lines.encode("latin-1"),
              "Apfel\nÜbung\nZebra\nÄpfel\n".encode("latin-1")),
@@ -250,7 +250,7 @@ class Help(unittest.TestCase):
             helps = [zel(*command, option) for option in ("-h", "--help")]
             self.assertEqual(helps[0], helps[1])
             self.assertEqual(helps[0][1:], ("", 0))
-            self.assertIn(" ".join(["Usage: zel", *command]).encode(), helps[0][0])
+            self.assertIn(" ".join(["zel", *command, "[OPTIONS]"]).encode(), helps[0][0])
             self.assertEqual(zel(*command, "--version"), (f"zel {VERSION}\n".encode(), "", 0))
 
     def test_completes(self):
@@ -262,7 +262,7 @@ class Help(unittest.TestCase):
             ran = subprocess.run(["bash", "-c", script, "bash", "x", "zel", *words.split()], capture_output=True, text=True)
             self.assertEqual((ran.stdout.strip(), ran.stderr), (expected, ""))
         offered = subprocess.run(["bash", "-c", script, "bash", "x", "zel", ""], capture_output=True, text=True).stdout.split()
-        listed = re.findall(r"^  ([a-z-]+) ", zel("-h")[0].decode().split("Subcommands:")[1], re.M)
+        listed = re.findall(r"^  ([a-z-]+) ", re.split("subcommands:", zel("-h")[0].decode(), flags=re.I)[1], re.M)
         self.assertEqual(offered, [*listed, "-h", "--help", "--version"])
         self.assertEqual(listed, COMMANDS)
 

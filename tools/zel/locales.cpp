@@ -44,7 +44,8 @@ std::string sort_key(const given_text &given, const std::string &locale, const s
 void write_dates(const std::string &locale, const std::string &zone, const std::string &to_charset,
                  const std::vector<std::int32_t> &times) {
     for (const std::int32_t time : times)
-        attempt(std::to_string(time), [&] { write_out(zel::date(locale, zone, time, to_charset) + '\n'); });
+        attempt(std::to_string(time),
+                [&] { write_out(zel::convert(zel::date(locale, zone, time) + '\n', "UTF-8", to_charset)); });
 }
 
 void sort_lines(const std::string &locale, const std::string &charset, bool headers) {
