@@ -1,23 +1,56 @@
 // Runs a target over the files that are named, or lie in the directories that are named: a corpus without
-// libFuzzer, for any compiler.
+// libFuzzer, for any compiler. Each input is followed by mutations of it, the same in every run.
 
 #include "fuzz.h"
 
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 
 namespace {
 
+constexpr int mutations = 1000; // of each input
 int replayed = 0;
+
+void run(const std::string &bytes) {
+    const block data(bytes);
+    LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t *>(data.data()), bytes.size());
+}
+
+// Strikes a byte, takes a piece out, or puts a piece of it elsewhere, and that one to four times. The first
+// bytes choose languages and charsets, so every other one strikes there.
+std::string mutated(std::string bytes, std::mt19937 &random) {
+    for (auto times = 1 + random() % 4; times > 0; --times) {
+        const std::size_t at = random() % (bytes.size() + 1), length = 1 + random() % 16;
+        switch (random() % 4) {
+        case 0:
+            bytes.insert(at, bytes.substr(random() % (bytes.size() + 1), length));
+            break;
+        case 1:
+            bytes.erase(at, length);
+            break;
+        case 2:
+            bytes.replace(at, 1, 1, static_cast<char>(random()));
+            break;
+        default:
+            bytes.replace(std::min<std::size_t>(random() % 3, bytes.size()), 1, 1,
+                          static_cast<char>('A' + random() % 24));
+        }
+    }
+    return bytes;
+}
 
 void replay(const std::filesystem::path &path) {
     std::ifstream file(path, std::ios::binary);
     const std::string bytes{std::istreambuf_iterator<char>(file), {}};
-    const block data(bytes);
-    std::printf("%s\n", path.c_str());
-    std::fflush(stdout); // the last line tells which input failed
-    LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t *>(data.data()), bytes.size());
+    run(bytes);
+    std::mt19937 random;
+    for (int number = 1; number <= mutations; ++number) {
+        std::printf("%s, mutation %d\n", path.c_str(), number);
+        std::fflush(stdout); // the last line tells which input failed
+        run(mutated(bytes, random));
+    }
     ++replayed;
 }
 
