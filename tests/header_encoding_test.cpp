@@ -2,7 +2,6 @@
 // that is too small.
 
 #include "support.h"
-#include "wire.h"
 
 namespace {
 
@@ -58,14 +57,22 @@ TEST(HeaderEncoding, plain_text_and_text_of_no_known_language_go_out_as_they_are
 
 TEST(HeaderEncoding, most_languages_turn_the_whole_value_into_q_words) {
     start_library();
-    const std::string word = "=?iso-8859-15?Q?" + repeated("=E9", 20) + "?=\r\n";
-    expect_rows({{"de", "iso-8859-1", "Gr\xFC\xDF\x65 aus K\xF6ln", "=?iso-8859-15?Q?Gr=FC=DFe_aus_K=F6ln?="},
-                 {"en", "UTF-8", "a\t(€)\nb", "=?iso-8859-15?Q?a_=28=A4=29\r\nb?="},
-                 {"zh", "gb2312", "\xD6\xD0 a", "=?gb2312?Q?=D6=D0_a?="},
-                 {"yi", "utf-8", "י", "=?utf-8?Q?=D7=99?="},
-                 {"fr", "iso-8859-15", repeated("\xE9", 20), word},
-                 {"fr", "iso-8859-15", repeated("\xE9", 21), word + "\t=?iso-8859-15?Q?=E9?="},
-                 {"de", "nonsense", "\xE9", "=?iso-8859-15?Q?=E9?="}});
+    const std::string opening = "=?iso-8859-15?Q?", next = "?=\r\n\t" + opening;
+    const std::string letters(60, 'x'), x = '\xE9' + letters.substr(4),
+                                        wire = opening + "=E9" + letters.substr(4);
+    expect_rows(
+        {{"de", "iso-8859-1", "Gr\xFC\xDF\x65 aus K\xF6ln", "=?iso-8859-15?Q?Gr=FC=DFe_aus_K=F6ln?="},
+         {"en", "UTF-8", "a\t(€)\nb", "=?iso-8859-15?Q?a_=28=A4=29\r\nb?="},
+         {"zh", "gb2312", "\xD6\xD0 a", "=?gb2312?Q?=D6=D0_a?="},
+         {"yi", "utf-8", "י", "=?utf-8?Q?=D7=99?="},
+         {"fr", "iso-8859-15", repeated("\xE9", 20), opening + repeated("=E9", 20) + "?=\r\n"},
+         {"fr", "iso-8859-15", x, wire + "?="},
+         {"fr", "iso-8859-15", x + "x", wire + "x?=\r\n"},
+         {"fr", "iso-8859-15", x + " y", wire + "_" + next + "y?="},
+         {"fr", "iso-8859-15", x + "\xE9\n", wire + "=E9" + next + "\r\n?="},
+         {"fr", "iso-8859-15", "\xE9\n" + letters + "x", opening + "=E9\r\n" + letters + next + "x?="},
+         {"fr", "iso-8859-15", "\xE9() \t.b \n", opening + "=E9=28=29__=2Eb_\r\n?="},
+         {"de", "nonsense", "\xE9", "=?iso-8859-15?Q?=E9?="}});
 }
 
 TEST(HeaderEncoding, japanese_runs_become_b_words_amid_plain_text) {
@@ -124,7 +131,6 @@ TEST(HeaderEncoding, the_size_is_the_formula_where_that_is_enough_and_else_the_n
         std::string text;
     } rows[] = {{"ja", "UTF-8", repeated("日a", 10000)},
                 {"el", "iso-8859-7", repeated("\xE1", 4999)},
-                {"pl", "UTF-8", repeated("ł", 4999)},
                 {"ko", "euc-kr", repeated("\xB0\xA1x", 10000)},
                 {"th", "tis-620", "\xA1"},
                 {"zh-TW", "UTF-8", repeated("臺 ", 10000)}};
@@ -135,20 +141,6 @@ TEST(HeaderEncoding, the_size_is_the_formula_where_that_is_enough_and_else_the_n
                                          decoded.length());
         EXPECT_EQ(decoded.text(), row.text);
     }
-}
-
-TEST(HeaderEncoding, ten_megabytes_take_linear_time) {
-    start_library();
-    const std::string text = repeated("\xB0\xA1", 5 << 20);
-    for (const char *language : {"de", "ja", "ko", "zh-TW"})
-        EXPECT_GT(encoded(language, "euc-kr", text).size(), text.size());
-}
-
-TEST(HeaderEncoding, hostile_values_are_encoded_whole_and_left_as_they_were) {
-    start_library();
-    for_hostile_input(3000, [](auto &hostile, auto language, auto charset, auto &text) {
-        expect_enough(encoder_of(language, charset, text), hostile);
-    });
 }
 
 TEST(HeaderEncoding, needs_a_started_library_and_words_carry_the_bytes_as_they_are_in_passthrough) {

