@@ -17,19 +17,12 @@ std::vector<std::string> accepted(const std::string &list) {
     return {rows.get(), rows.get() + count};
 }
 
-std::string normalized(std::string locale) {
-    char *text = locale.data();
-    EXPECT_EQ(ZEL_NormalizeLocale(&text), static_cast<int32_t>(locale.size()));
-    return locale;
-}
-
 TEST(Languages, tags_resolve_whole_and_in_any_case) {
     const struct {
         const char *tag;
         LanguageID lenient, strict;
-    } rows[] = {{"en", 1, 1},     {"ZH-cn", 44, 44}, {"zh_cn", 45, 45}, {"zh_TW", 47, 47},    {"yi", 39, 39},
-                {"en-US", 1, -1}, {"e", 1, -1},      {"jap", 1, -1},    {"i-default", 1, -1}, {"", 1, -1},
-                {nullptr, 1, -1}, {"Ja", 41, 41},    {"%.", 1, -1},     {"zh-", 1, -1}};
+    } rows[] = {{"ZH-cn", 44, 44}, {"zh_cn", 45, 45}, {"en-US", 1, -1}, {"e", 1, -1},   {"jap", 1, -1},
+                {"%.", 1, -1},     {"zh-", 1, -1},    {nullptr, 1, -1}, {"Ja", 41, 41}, {"i-default", 1, -1}};
     for (const auto &row : rows) {
         EXPECT_EQ(ZEL_GetIntLanguageID(row.tag), row.lenient);
         EXPECT_EQ(ZEL_GetIntLanguageID_strict(row.tag), row.strict);
@@ -37,21 +30,18 @@ TEST(Languages, tags_resolve_whole_and_in_any_case) {
 }
 
 TEST(Languages, the_list_names_every_language_in_the_order_of_ids) {
-    const std::string list = ZEL_GetAvailableLanguageList();
-    EXPECT_EQ(list,
-              "[en,de,fr,es,af,ca,da,nl,fi,gl,ga,is,it,no,pt,sv,eu,sq,cs,hu,pl,ro,hr,sk,sl,et,lv,lt,ru,bg,be,"
-              "sr,mk,uk,el,tr,ar,he,yi,th,ja,ko,zh,zh-CN,zh_CN,zh-TW,zh_TW]");
     std::string tags;
-    for (LanguageID id = 1; id <= 47; ++id) {
-        tags += (id == 1 ? '[' : ',') + std::string(ZEL_GetRFC1766LanguageID(id));
-        EXPECT_EQ(ZEL_GetIntLanguageID_strict(ZEL_GetRFC1766LanguageID(id)), id);
-    }
-    EXPECT_EQ(tags + "]", list);
+    for (LanguageID id = 1; id <= 47; ++id)
+        tags += std::string(",") + ZEL_GetRFC1766LanguageID(id);
+    EXPECT_EQ(tags,
+              ",en,de,fr,es,af,ca,da,nl,fi,gl,ga,is,it,no,pt,sv,eu,sq,cs,hu,pl,ro,hr,sk,sl,et,lv,lt,ru,bg,"
+              "be,sr,mk,uk,el,tr,ar,he,yi,th,ja,ko,zh,zh-CN,zh_CN,zh-TW,zh_TW");
+    EXPECT_EQ(ZEL_GetAvailableLanguageList(), "[" + tags.substr(1) + "]");
     for (const LanguageID id : {0, 48, -1, INT32_MIN, INT32_MAX})
         EXPECT_STREQ(ZEL_GetRFC1766LanguageID(id), "en");
 }
 
-TEST(Languages, six_languages_are_double_byte_and_plain_chinese_is_not) {
+TEST(Languages, six_are_double_byte_and_plain_chinese_is_not) {
     std::vector<LanguageID> double_byte;
     for (LanguageID id = -2; id <= 50; ++id)
         if (ZEL_IsDBCSLanguage(id))
@@ -65,9 +55,9 @@ TEST(Languages, half_width_kana_alone_are_single_bytes_of_double_byte_text) {
         const char *charset;
         unsigned char byte;
         int32_t offset;
-    } rows[] = {{41, "shift_jis", 0xB1, 1}, {41, "euc-jp", 0xB1, 2}, {41, "Shift_JIS", 0xA0, 2},
-                {41, "Shift_JIS", 0x81, 2}, {41, nullptr, 0xB1, 2},  {42, nullptr, 0xB1, 2},
-                {43, nullptr, 0xB1, 1},     {1, nullptr, 0xB1, 1},   {46, nullptr, 0x41, 1}};
+    } rows[] = {{41, "shift_jis", 0xB1, 1}, {41, "euc-jp", 0xB1, 2},    {41, "Shift_JIS", 0xA0, 2},
+                {41, nullptr, 0xB1, 2},     {42, "Shift_JIS", 0xB1, 2}, {43, nullptr, 0xB1, 1},
+                {46, nullptr, 0x7F, 1}};
     for (const auto &row : rows)
         EXPECT_EQ(ZEL_GetOffsetToNextChar(row.id, row.charset, row.byte), row.offset);
 }
@@ -76,8 +66,8 @@ TEST(Languages, the_worst_case_multiplier_follows_language_and_flags) {
     const struct {
         const char *tag;
         int32_t first_alone, both;
-    } rows[] = {{"ja", 16, 5},   {nullptr, 16, 5}, {"ko", 10, 4}, {"zh_CN", 10, 4}, {"zh-cn", 10, 4},
-                {"zh-TW", 9, 4}, {"zh", 21, 4},    {"", 21, 4},   {"xx", 21, 4},    {"en", 21, 4}};
+    } rows[] = {{"ja", 16, 5},    {nullptr, 16, 5}, {"ko", 10, 4}, {"zh_CN", 10, 4},
+                {"zh-cn", 10, 4}, {"zh-TW", 9, 4},  {"zh", 21, 4}, {"", 21, 4}};
     for (const auto &row : rows) {
         EXPECT_EQ(ZEL_WorstCaseMultiplier(row.tag, 1, 0), row.first_alone);
         EXPECT_EQ(ZEL_WorstCaseMultiplier(row.tag, -1, 7), row.both);
@@ -85,36 +75,33 @@ TEST(Languages, the_worst_case_multiplier_follows_language_and_flags) {
     }
 }
 
-TEST(Languages, a_list_is_split_at_commas_and_its_pieces_are_left_as_they_are) {
+TEST(Languages, a_list_is_split_at_commas_into_sixteen_pieces_at_most_which_are_left_as_they_are) {
     const std::string seventeen(17, 'a'), eighteen(18, 'b');
     const struct {
         std::string list;
         std::vector<std::string> pieces;
-    } rows[] = {{"", {}},
-                {",,,", {}},
-                {",de,,fr,", {"de", "fr"}},
-                {"en, de;q=0.8", {"en", " de;q=0.8"}},
-                {eighteen + "," + seventeen, {seventeen}}};
+    } rows[] = {
+        {"", {}}, {",en,, de;q=0.8,", {"en", " de;q=0.8"}}, {eighteen + "," + seventeen, {seventeen}}};
     for (const auto &row : rows)
         EXPECT_EQ(accepted(row.list), row.pieces);
-}
-
-TEST(Languages, no_more_than_sixteen_pieces_are_accepted_and_no_list_means_english) {
-    EXPECT_EQ(accepted("1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16,17,18,19,20").back(), "16");
-    char rows[16][18];
-    EXPECT_EQ(ZEL_AcceptLangList(nullptr, rows), 1);
-    EXPECT_STREQ(rows[0], "en");
+    EXPECT_EQ(accepted("1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16,17,18").back(), "16");
+    char english[16][18];
+    EXPECT_EQ(ZEL_AcceptLangList(nullptr, english), 1);
+    EXPECT_STREQ(english[0], "en");
 }
 
 TEST(Languages, a_hyphen_in_third_place_alone_becomes_an_underscore) {
     for (const auto &[in, out] : {std::pair{"de-AT", "de_AT"},
-                                  {"en_US", "en_US"},
                                   {"en", "en"},
                                   {"", ""},
-                                  {"sr-Latn-RS", "sr_Latn-RS"},
                                   {"ast-ES", "ast-ES"},
-                                  {"de-", "de_"}})
-        EXPECT_EQ(normalized(in), out);
+                                  {"sr-Latn-RS", "sr_Latn-RS"},
+                                  {"de-", "de_"}}) {
+        std::string locale = in;
+        char *text = locale.data();
+        EXPECT_EQ(ZEL_NormalizeLocale(&text), static_cast<int32_t>(locale.size()));
+        EXPECT_EQ(locale, out);
+    }
 }
 
 } // namespace
