@@ -39,10 +39,8 @@ TEST(BodyDecoding, a_body_is_read_in_its_charset_or_in_that_of_the_language) {
                 {{"ko", "iso-8859-1", "\xE9", "euc-kr"}, "\x1A", is_any_end},
                 {{"zh", "gb2312", "\xD6\xD0\xD6\xD0", "big5"}, "\xA4\xA4\xA4\xA4", is_any_end},
                 {{"ja", nullptr, "", "iso-2022-jp"}, "", is_any_end}};
-    for (const auto &row : rows) {
-        EXPECT_EQ(decoded(row.from), row.text);
-        expect_whole_units(decoder_of(row.from), row.text, row.may_stop, 4);
-    }
+    for (const auto &row : rows)
+        expect_whole_units(decoder_of(row.from), row.text, row.may_stop, 4, 1);
 }
 
 TEST(BodyDecoding, two_small_letters_open_the_direct_routes_whose_results_are_repaired) {
@@ -56,9 +54,8 @@ TEST(BodyDecoding, two_small_letters_open_the_direct_routes_whose_results_are_re
                 {{"ko", "iso-2022-kr", kr, "euc-kr"}, "\xB0\xA1?"},
                 {{"zh_TW", "hz-gb-2312", hz, "GB2312"}, "\xD6\xD0?"}};
     for (const auto &[from, text] : rows) {
-        EXPECT_EQ(decoded(from), text);
         expect_whole_units(
-            decoder_of(from), text, [](auto &, auto &rest) { return rest.size() % 2 == 1; }, 2);
+            decoder_of(from), text, [](auto &, auto &rest) { return rest.size() % 2 == 1; }, 2, 1);
         for (const char *closed : {"JA", "KO", "ZH", "en", static_cast<const char *>(nullptr)})
             EXPECT_FALSE(decoded({closed, from.from_charset, from.bytes, from.to_charset}).ends_with("?"));
     }

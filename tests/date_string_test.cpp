@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -12,19 +13,14 @@ namespace {
 constexpr int32_t moment = 1000000000; // 2001-09-09 01:46:40 GMT
 constexpr const char *in_gmt = "Sonntag, 9. September 2001 um 01:46:40 GMT";
 
-struct {
-    int32_t hours, minutes;
-    char sign;
-} hosts_answer;
+std::tuple<int32_t, int32_t, char> hosts_answer; // hours, minutes, sign
 std::atomic<int> questions = 0;
 
 void answer(const char *zone, int32_t time, int32_t *hours, int32_t *minutes, char *sign) {
     EXPECT_STREQ(zone, "Mars/Base");
     EXPECT_EQ(time, moment);
     ++questions;
-    *hours = hosts_answer.hours;
-    *minutes = hosts_answer.minutes;
-    *sign = hosts_answer.sign;
+    std::tie(*hours, *minutes, *sign) = hosts_answer;
 }
 
 std::string date_in(const char *locale, const char *zone, const char *charset = nullptr) {
@@ -34,25 +30,15 @@ std::string date_in(const char *locale, const char *zone, const char *charset = 
 TEST(TimeZones, offsets_have_no_sign_no_daylight_saving_and_hours_modulo_twelve) {
     const struct {
         const char *zone;
-        int32_t known, hours, minutes;
-    } rows[] = {{"America/New_York", 1, 5, 0},
-                {"Asia/Kolkata", 1, 5, 30},
-                {"America/St_Johns", 1, 3, 30},
-                {"Pacific/Auckland", 1, 0, 0},
-                {"Pacific/Kiritimati", 1, 2, 0},
-                {"UTC", 1, 0, 0},
-                {"EST", 0, -1, -2},
-                {"est", 0, -1, -2},
-                {"EST5EDT", 0, -1, -2},
-                {"PST8PDT", 0, -1, -2},
-                {"GMT+5", 0, -1, -2},
-                {"mdt", 0, -1, -2},
-                {"ut", 0, -1, -2},
-                {"No/Such", 0, -1, -2},
-                {"", 0, -1, -2}};
+        int32_t hours, minutes;
+    } rows[] = {{"America/New_York", 5, 0}, {"Asia/Kolkata", 5, 30},      {"America/St_Johns", 3, 30},
+                {"Pacific/Auckland", 0, 0}, {"Pacific/Kiritimati", 2, 0}, {"UTC", 0, 0}};
+    int32_t hours = -1, minutes = -2;
+    for (const char *zone : {"est", "EST5EDT", "PST8PDT", "GMT+5", "mdt", "UT", "ut", "No/Such", ""})
+        EXPECT_EQ(ZEL_TimeZoneToOffset(zone, 0, &hours, &minutes), 0) << zone;
+    EXPECT_EQ(std::pair(hours, minutes), std::pair(-1, -2));
     for (const auto &row : rows) {
-        int32_t hours = -1, minutes = -2;
-        EXPECT_EQ(ZEL_TimeZoneToOffset(row.zone, 0, &hours, &minutes), row.known) << row.zone;
+        EXPECT_EQ(ZEL_TimeZoneToOffset(row.zone, 0, &hours, &minutes), 1) << row.zone;
         EXPECT_EQ(std::pair(hours, minutes), std::pair(row.hours, row.minutes)) << row.zone;
     }
 }
@@ -68,9 +54,9 @@ TEST(Dates, are_written_in_full_in_any_zone_and_charset) {
 
 TEST(Dates, of_locales_and_charsets_that_icu_cannot_take_are_null) {
     EXPECT_EQ(date_in("de", "GMT", "no such charset"), "(null)");
-    for (const std::string &locale :
-         {std::string(12, 'a'), "de_" + std::string(154, 'A'), std::string("de@=x"),
-          std::string("abcdefgh.ijklmn_DE"), std::string(100000, 'x')})
+    for (const std::string locale : {"aaaaaaaaaaaa", "de@=x", "abcdefgh.ijklmn_DE"})
+        EXPECT_EQ(date_in(locale.c_str(), nullptr), "(null)") << locale;
+    for (const std::string &locale : {"de_" + std::string(154, 'A'), std::string(100000, 'x')})
         EXPECT_EQ(date_in(locale.c_str(), nullptr), "(null)") << locale.substr(0, 30);
     EXPECT_NE(date_in(nullptr, nullptr), "(null)");
 }

@@ -31,8 +31,7 @@ void expect_rows(const char *language, const char *to_charset, const std::vector
                  unit_rule may_stop = is_character_end) {
     for (const auto &[value, text] : rows) {
         SCOPED_TRACE(value);
-        EXPECT_EQ(decoded(language, value, to_charset), text);
-        expect_whole_units(decoder_of(language, value, to_charset), text, may_stop, 40);
+        expect_whole_units(decoder_of(language, value, to_charset), text, may_stop, 40, 1);
     }
 }
 
@@ -97,7 +96,8 @@ TEST(HeaderDecoding, folds_are_taken_out_in_place_with_the_blanks_before_a_word)
 }
 
 // Pieces by chance behind each other, so that each stands at every place of a block.
-void expect_pieces(const std::string &opening, const std::vector<row> &pieces, const std::vector<row> &ends) {
+void expect_pieces(const std::string &opening, const std::string &closing, const std::vector<row> &pieces,
+                   const std::vector<row> &ends) {
     std::mt19937 random;
     for (int turn = 0; turn < 3000; ++turn) {
         row whole = {opening, ""};
@@ -106,33 +106,22 @@ void expect_pieces(const std::string &opening, const std::vector<row> &pieces, c
             whole = {whole.value + piece.value, whole.text + piece.text};
         }
         const row &end = ends[random() % ends.size()];
-        ASSERT_EQ(decoded("en", whole.value + end.value + "?=.", "iso-8859-1"), whole.text + end.text + ".");
+        ASSERT_EQ(decoded("en", whole.value + end.value + closing, "iso-8859-1"), whole.text + end.text);
     }
 }
 
-TEST(HeaderDecoding, the_text_of_words_is_decoded_alike_wherever_it_stands) {
+TEST(HeaderDecoding, texts_of_words_and_folds_are_read_alike_wherever_they_stand) {
     start_library();
     const std::string run(50, 'x');
-    expect_pieces("=?iso-8859-1?Q?",
-                  {{"x", "x"},
-                   {"_", " "},
-                   {run, run},
-                   {"=41", "A"},
-                   {"=e9=E9", "\xE9\xE9"},
-                   {"==4", "\x04"},
-                   {"=4=", "@"}},
-                  {{"", ""}, {"=", "="}, {"=_", "=_"}, {"==", "=="}, {"=00x", ""}, {"x=gGx_x=41", "x"}});
-    expect_pieces("=?iso-8859-1?B?",
+    expect_pieces(
+        "=?iso-8859-1?Q?", "?=.",
+        {{"x", "x"}, {run, run}, {"=41", "A"}, {"_=e9=E9", " \xE9\xE9"}, {"==4", "\x04"}, {"=4=", "@"}},
+        {{"", "."}, {"=", "=."}, {"=_", "=_."}, {"==", "==."}, {"=00x", "."}, {"x=gGx_x=41", "x."}});
+    expect_pieces("=?iso-8859-1?B?", "?=.",
                   {{"YWJj", "abc"}, {"//79", "\xFF\xFE\xFD"}, {"YQ==", "a"}, {"Y!=x", "`"}, {"YWI=", "ab"}},
-                  {{"", ""}, {"YWJ", ""}, {"YQBi", "a"}, {"YWIAYWJj", "ab"}, {"=WJjYWJj", "\1bcabc"}});
-}
-
-TEST(HeaderDecoding, folds_are_found_at_any_place) {
-    start_library();
-    for (std::size_t place = 0; place < 130; ++place) {
-        const std::string before(place, 'x');
-        EXPECT_EQ(decoded("en", before + "\r\n =?utf-8?Q?a?=\r\n b"), before + "a b");
-    }
+                  {{"", "."}, {"YWJ", "."}, {"YQBi", "a."}, {"YWIAYWJj", "ab."}, {"=WJjYWJj", "\1bcabc."}});
+    expect_pieces("", "", {{"x", "x"}, {run, run}, {"\r\n b", " b"}, {"\r\n\t=?utf-8?Q?a?=", "a"}},
+                  {{"", ""}});
 }
 
 TEST(HeaderDecoding, the_tail_alone_is_read_by_language) {

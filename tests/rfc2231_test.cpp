@@ -34,7 +34,6 @@ TEST(RFC2231, a_short_value_is_one_labelled_line) {
                 {"x'y", "us-ascii", "\x01%'*()/\"\\\x7F", "us-ascii'x'y'%01%25%27%2A%28%29%2F%22%5C%7F"}};
     for (const auto &row : rows) {
         const auto call = encoder_of(row.language, row.from_charset, row.text);
-        EXPECT_EQ(in_two_calls(call), "\tfilename*0*=" + row.line);
         expect_whole_units(call, "\tfilename*0*=" + row.line, is_triple_end<'%'>, 40);
     }
 }
@@ -56,11 +55,8 @@ TEST(RFC2231, long_values_are_cut_behind_triples_and_quoted_behind_the_last_one)
                 {'\xE9' + x(80) + '\xE9' + x(80), latin + "%E9" + x(35) + next + "1*=" + x(45) + "%E9" +
                                                       x(5) + next + "2=\"" + x(53) + "\"" + next + "3=\"" +
                                                       x(22) + "\""}};
-    for (const auto &row : rows) {
-        const auto call = encoder_of("en", "iso-8859-15", row.text);
-        EXPECT_EQ(in_two_calls(call), row.parameter);
-        expect_whole_units(call, row.parameter, is_triple_end<'%'>, 40);
-    }
+    for (const auto &row : rows)
+        expect_whole_units(encoder_of("en", "iso-8859-15", row.text), row.parameter, is_triple_end<'%'>, 40);
 }
 
 TEST(RFC2231, values_are_read) {
@@ -71,8 +67,7 @@ TEST(RFC2231, values_are_read) {
         const char *to_charset;
         std::string text;
     } rows[] = {{"iso-8859-15'fr't%E9te.txt", "iso-8859-15", "t\xE9te.txt"},
-                {"ISO-8859-15''%A4", "UTF-8", "€"},
-                {"utf-8'de'%c3%A9", nullptr, "\xE9"},
+                {"ISO-8859-15''%a4", "UTF-8", "€"},
                 {"abc%20def+\xE9", "UTF-8", "abc def+\xE9"},
                 {"''%E9", "UTF-8", "\xE9"},
                 {"nonsense'x'%E9", "UTF-8", "\xE9"},
@@ -87,10 +82,9 @@ TEST(RFC2231, values_are_read) {
                 {c32 + "'", "UTF-8", c32 + "'"}};
     for (const auto &row : rows) {
         SCOPED_TRACE(row.value);
-        EXPECT_EQ(in_two_calls(decoder_of(row.value, row.to_charset)), row.text);
-        if (row.to_charset)
-            expect_whole_units(decoder_of(row.value, row.to_charset), row.text, is_character_end, 4);
+        expect_whole_units(decoder_of(row.value, row.to_charset), row.text, is_character_end, 4);
     }
+    EXPECT_EQ(in_two_calls(decoder_of("utf-8'de'%C3%A9", nullptr)), "\xE9");
     EXPECT_EQ(in_two_calls(decoder_of("utf-8''%E2%82%AC", "UTF-8")), "€"); // a copy, which is cut at a byte
 }
 

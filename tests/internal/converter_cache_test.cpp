@@ -81,17 +81,13 @@ TEST(ConverterCache, leaves_a_lent_record_to_its_borrower_when_the_library_stops
     EXPECT_EQ(ucnv_getMaxCharSize(lent->to_cnv.get()), 3);
 }
 
-constexpr std::size_t workers = 8;
-constexpr const char *shared_charsets[] = {"koi8-r", "Shift_JIS", "euc-kr", "big5"};
-
 // At each step all threads borrow the same pair at once, and before it two each another.
 void borrow_in_step(std::size_t worker, rendezvous &all) {
+    constexpr const char *charsets[] = {"koi8-r", "Shift_JIS", "euc-kr", "big5"};
     for (std::size_t step = 0; step < 60; ++step) {
-        const char *other = shared_charsets[(worker + step) % std::size(shared_charsets)];
         all.arrive_and_wait();
-        EXPECT_TRUE(borrow_converter("utf-8", other));
-        const lent_converter lent =
-            borrow_converter(shared_charsets[step % std::size(shared_charsets)], "utf-8");
+        EXPECT_TRUE(borrow_converter("utf-8", charsets[(worker + step) % std::size(charsets)]));
+        const lent_converter lent = borrow_converter(charsets[step % std::size(charsets)], "utf-8");
         EXPECT_EQ(lent->in_use, 1);
         all.arrive_and_wait();
     }
@@ -100,18 +96,18 @@ void borrow_in_step(std::size_t worker, rendezvous &all) {
 TEST(ConverterCache, has_eight_records_of_a_pair_for_eight_threads_and_goes_back_to_the_first) {
     start_library();
     const EncodingConverter *head = list_head();
-    rendezvous all(workers);
-    std::vector<std::thread> threads;
-    for (std::size_t worker = 0; worker < workers; ++worker)
-        threads.emplace_back(borrow_in_step, worker, std::ref(all));
-    for (std::thread &thread : threads)
-        thread.join();
+    rendezvous all(8);
+    {
+        std::vector<std::jthread> threads;
+        for (std::size_t worker = 0; worker < 8; ++worker)
+            threads.emplace_back(borrow_in_step, worker, std::ref(all));
+    }
     std::map<std::pair<std::string, std::string>, std::vector<const EncodingConverter *>> entries;
     for (const EncodingConverter *pair = head->next_pair; pair; pair = pair->next_pair)
         entries[{pair->from_name.get(), pair->to_name.get()}].push_back(pair);
-    EXPECT_EQ(entries.size(), 2 * std::size(shared_charsets));
+    EXPECT_EQ(entries.size(), 8u);
     for (const auto &[names, pairs] : entries) {
-        EXPECT_LE(pairs.size(), workers);
+        EXPECT_LE(pairs.size(), 8u);
         const int further = records_behind(pairs[0], &EncodingConverter::next_instance);
         EXPECT_TRUE(names.second == "utf-8" ? further == 7 : further < 8) << further;
         EXPECT_EQ(borrow_converter(names.first.c_str(), names.second.c_str()).get(), pairs[0]);

@@ -1,6 +1,5 @@
-// The remembered answers under threads and without memory, the local charset, and the stop at exit.
+// The remembered answers, the local charset, and the stop at exit.
 
-#include "failing_allocation.h"
 #include "scratch.h"
 #include "support.h"
 
@@ -55,20 +54,6 @@ TEST(LocalConfig, gives_eight_threads_the_same_answers_while_it_grows) {
         EXPECT_LE(entries, 8) << key;
 }
 
-TEST(LocalConfig, answers_without_memory_and_remembers_nothing_then) {
-    const custom_bundle bundle("mail|ja = koi8-r\n");
-    start_library(bundle.root().c_str());
-    for (int succeeding = 0; succeeding < 3; ++succeeding) {
-        fail_allocation_after(succeeding);
-        EXPECT_STREQ(mail_charset("de"), "iso-8859-15");
-        fail_allocation_after(succeeding);
-        EXPECT_STREQ(mail_charset("ja"), "iso-2022-jp");
-        no_failing_allocations();
-        EXPECT_TRUE(remembered_keys().empty());
-    }
-    EXPECT_STREQ(mail_charset("ja"), "koi8-r");
-}
-
 std::string local_charset(const std::string &root, const char *lang) {
     lang ? setenv("LANG", lang, 1) : unsetenv("LANG");
     _setupLocalCharEncoding(root.c_str());
@@ -109,8 +94,6 @@ TEST(LocalCharset, is_the_built_in_one_where_there_is_no_bundle_or_no_room_for_i
     EXPECT_EQ(local_charset(lengthened(bundle.root(), room), nullptr), "koi8-r");
     for (const std::size_t length : {room + 1, room + 10, room + 11, 9 * room})
         EXPECT_EQ(local_charset(lengthened(bundle.root(), length), nullptr), "iso-8859-1");
-    fail_allocation_after(0);
-    EXPECT_EQ(local_charset(bundle.root(), nullptr), "iso-8859-1");
 }
 
 // Runs behind the library's own exit handler, and tells whether that one has stopped the library.

@@ -108,9 +108,12 @@ bool is_triple_end(const std::string &written, const std::string &) {
     return !written.ends_with('\r') && (last == std::string::npos || last + 3 <= written.size());
 }
 
-// Whatever the size, a beginning of the text is written, of whole units and as many as there is room for.
+// The text is whole in the size that is asked for. Whatever the size, a beginning of it is written, of whole
+// units and as many as there is room for.
 template <class Call>
-void expect_whole_units(Call call, const std::string &whole, unit_rule may_stop, std::size_t longest_unit) {
+void expect_whole_units(Call call, const std::string &whole, unit_rule may_stop, std::size_t longest_unit,
+                        std::int32_t left_to_caller = 0) {
+    EXPECT_EQ(in_two_calls(call, left_to_caller), whole);
     for_every_size(static_cast<std::int32_t>(whole.size() + 1), [&](const exact_buffer &to) {
         const std::int32_t length = call(to.data(), to.length());
         const std::string text = to.size() ? to.text() : "";
