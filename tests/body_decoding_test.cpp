@@ -1,6 +1,5 @@
 // Received bodies: the charset that is assumed, the direct routes, and the four functions that are one.
 
-#include "scratch.h"
 #include "support.h"
 
 namespace {
@@ -87,12 +86,6 @@ TEST(BodyDecoding, the_size_is_that_of_the_conversion_and_may_fall_short) {
     EXPECT_EQ(decoder_of({"de", "iso-8859-1", "\xE9", "UTF-7"})(full.data(), 5), 5);
     EXPECT_EQ(full.bytes(), "+AOk-");
     EXPECT_EQ(decoder_of({"ko", "iso-2022-kr", "", "euc-kr"})(none.data(), 0), 0);
-}
-
-TEST(BodyDecoding, the_bundle_names_the_charset_of_a_language) {
-    const custom_bundle bundle("mail|de = koi8-r\n");
-    start_library(bundle.root().c_str());
-    EXPECT_EQ(decoded({"de", nullptr, "\xD6", "UTF-8"}), "ж");
 }
 
 TEST(BodyDecoding, no_converter_is_the_one_error) {

@@ -76,11 +76,13 @@ TEST(BodyEncoding, what_cannot_be_encoded_is_told_apart) {
     EXPECT_TRUE(to.untouched());
 }
 
-TEST(BodyEncoding, the_bundle_has_no_say_in_bodies) {
+TEST(BodyEncoding, the_bundle_has_no_say_but_in_received_bodies) {
     const custom_bundle bundle("mail|de = koi8-r\n");
     start_library(bundle.root().c_str());
-    EXPECT_STREQ(ZEL_InternetMessageCharset("de", "é"), "koi8-r");
     EXPECT_EQ(in_two_calls(encoder_of("de", "UTF-8", "é", 0)), "\xE9");
+    const exact_buffer to(10);
+    EXPECT_EQ(ZEL_InternetMessageBodyToLocalLen("de", 0, "\xD6x", 1, "UTF-8", to.data(), to.length()), 2);
+    EXPECT_EQ(to.text(), "ж");
 }
 
 TEST(BodyEncoding, the_size_is_the_formula_where_that_is_enough_and_else_the_need) {

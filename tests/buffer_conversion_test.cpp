@@ -130,21 +130,21 @@ TEST(Buffers, stay_untouched_where_there_is_no_converter_unless_there_is_nothing
         }
 }
 
-std::string converted_list(const char *from_charset, const char *to_charset) {
-    const char *const texts[] = {nullptr, "", "abc", "\xE9", "\xE9 \xE9"};
-    char *results[5] = {};
-    ZEL_ConvertBufferArray(from_charset, to_charset, texts, 5, results);
-    std::string all;
-    for (char *result : results)
-        all += taken(result) + "|";
-    return all;
+void expect_list(const char *from_charset, const char *to_charset,
+                 std::initializer_list<const char *> expected) {
+    const char *const texts[] = {nullptr, "", "abc", "\xE9"};
+    char *results[4];
+    ZEL_ConvertBufferArray(from_charset, to_charset, texts, 4, results);
+    EXPECT_TRUE(std::equal(results, std::end(results), expected.begin(), expected.end(),
+                           [](char *result, const char *text) { return taken(result) == text; }))
+        << from_charset << to_charset;
 }
 
 TEST(ConvertBufferArray, keeps_the_places_of_its_texts_and_terminates_each) {
     start_library();
-    EXPECT_EQ(converted_list("iso-8859-1", "IMAP-MODIFIED-UTF-7"), "(null)||abc|&AOk-|&AOk- &AOk-|");
+    expect_list("iso-8859-1", "IMAP-MODIFIED-UTF-7", {"(null)", "", "abc", "&AOk-"});
     for (const char *to_charset : {"iso-8859-1", "no such"})
-        EXPECT_EQ(converted_list("iso-8859-1", to_charset), "(null)||abc|\xE9|\xE9 \xE9|");
+        expect_list("iso-8859-1", to_charset, {"(null)", "", "abc", "\xE9"});
     const char *const text = "\xA4"; // which behind a byte order mark fills even the byte more than its size
     char *result;
     ZEL_ConvertBufferArray("iso-8859-5", "utf-16", &text, 1, &result);
@@ -158,7 +158,7 @@ TEST(Passthrough, copies_buffers_whatever_their_charsets_are) {
         EXPECT_EQ(ZEL_GetResultBufferSize("a\xE9", -1, charset, "gb2312"), 3);
         EXPECT_EQ(ZEL_GetResultBufferSize("a\xE9", 0, charset, "gb2312"), 1);
         expect_at_every_size({charset, "gb2312", "a\xE9", std::nullopt});
-        EXPECT_EQ(converted_list(charset, "gb2312"), "(null)||abc|\xE9|\xE9 \xE9|");
+        expect_list(charset, "gb2312", {"(null)", "", "abc", "\xE9"});
     }
 }
 

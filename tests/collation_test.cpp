@@ -16,7 +16,6 @@ TEST(Collation, sorts_as_a_reader_of_the_language_does) {
     } rows[] = {{"de", "UTF-8", "Äpfel", "Birnen", -1},
                 {"sv", "UTF-8", "Äpplen", "Zebra", 1},
                 {"de-AT", "iso-8859-1", "\xC4pfel", "Birnen", -1},
-                {"en", "UTF-8", "\u00e9", "e\u0301", 0},
                 {"en", "UTF-8", "a\u0323\u0301", "a\u0301\u0323", 0},
                 {"en", "UTF-8", "\u1ed9", "o\u0302\u0323", 0},
                 {"ja", "Shift_JIS", "\x82\xa0", "\x82\xa2", -1},

@@ -45,7 +45,6 @@ TEST(HeaderDecoding, words_are_decoded_and_converted) {
                  {"=?ISO-8859-1*en?q?a?==?windows-1252?b?gA==?=", "a€"},
                  {"=?*?Q?x?==??Q?y?=", "xy"},
                  {"=?utf-8*0123456789?Q?x?=", "x"},
-                 {"=?utf-8?Q??=", ""},
                  {"=?utf-8?Q?a=?= =?utf-8?Q?=4?= =?utf-8?Q?=4Gx?=", "a= =4 @x"},
                  {"=?us-ascii?Q?=G4=gg|?=", std::string("\x04")},
                  {"=?utf-8?B?Y!==?= =?utf-8?B?Y_Jj?= =?utf-8?B?YW Jj?=", "` `\x02\x63 a`\t"},
@@ -61,7 +60,6 @@ TEST(HeaderDecoding, what_is_not_admitted_or_not_convertible_comes_out_encoded) 
                  {"=?utf-8?X?abc?=", "abc"}});
     expect_rows("fr", "nonsense", {{"=?utf-8?Q?=41?=b", "=41b"}, {"=?NONSENSE?Q?=41?=", "=41"}});
     expect_rows("xx", "UTF-8", {{"=?us-ascii?Q?=41?= =?utf-7?Q?+AOk-?=", "=41 é"}});
-    expect_rows("el", "ISO-8859-7", {{"=?iso-8859-7?Q?=E1?=", "\xE1"}});
 }
 
 TEST(HeaderDecoding, a_word_that_does_not_parse_ends_the_decoding) {
@@ -164,7 +162,6 @@ TEST(HeaderDecoding, the_size_counts_what_each_piece_may_become) {
     EXPECT_EQ(size("en", "=?iso-8859-2?Q?" + text + "?="), 100);
     EXPECT_EQ(size("ja", "\x1B$B" + repeated("F|", 100)), 300);
     EXPECT_EQ(size("en", "=?iso-8859-1?Q?" + text + "?=", "UTF-16"), 2 + 2 * 100);
-    EXPECT_EQ(size("en", "=?iso-8859-1?Q?" + text + "?=", "UTF-32"), 4 + 4 * 100);
     EXPECT_EQ(decoded("en", "=?iso-8859-1?Q?=B1?=", "iso-2022-jp"), "\x1B$B!^\x1B(B");
 }
 

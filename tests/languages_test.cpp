@@ -42,11 +42,8 @@ TEST(Languages, the_list_names_every_language_in_the_order_of_ids) {
 }
 
 TEST(Languages, six_are_double_byte_and_plain_chinese_is_not) {
-    std::vector<LanguageID> double_byte;
     for (LanguageID id = -2; id <= 50; ++id)
-        if (ZEL_IsDBCSLanguage(id))
-            double_byte.push_back(id);
-    EXPECT_EQ(double_byte, (std::vector<LanguageID>{41, 42, 44, 45, 46, 47}));
+        EXPECT_EQ(ZEL_IsDBCSLanguage(id), id >= 41 && id <= 47 && id != 43) << id;
 }
 
 TEST(Languages, half_width_kana_alone_are_single_bytes_of_double_byte_text) {

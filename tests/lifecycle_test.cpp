@@ -6,18 +6,14 @@
 namespace {
 
 // A server's directory with localisation directories beside it.
-class server_tree {
-public:
+struct server_tree {
     explicit server_tree(std::initializer_list<std::string> languages) {
-        std::filesystem::create_directories(svrroot());
+        std::filesystem::create_directories(svrroot);
         for (const std::string &language : languages)
-            std::filesystem::create_directories(html() + language);
+            std::filesystem::create_directories(html + language);
     }
-    std::string svrroot() const { return directory_.path() + "/server"; }
-    std::string html() const { return directory_.path() + "/lib/html/"; }
-
-private:
-    scratch_directory directory_;
+    const scratch_directory directory;
+    const std::string svrroot = directory.path() + "/server", html = directory.path() + "/lib/html/";
 };
 
 TEST(Lifecycle, the_header_tells_the_version_of_the_project) {
@@ -37,8 +33,8 @@ TEST(Lifecycle, calls_that_break_the_contract_stop_the_process) {
 TEST(Lifecycle, only_the_first_start_changes_anything) {
     const server_tree first({"de"}), second({"fr"});
     const ZELConfig passing = {.pass_8bit = 7, .no_atexit = 1}, stopping = {};
-    EXPECT_EQ(ZEL_Initialize(first.svrroot().c_str(), &passing), 0);
-    EXPECT_EQ(ZEL_Initialize(second.svrroot().c_str(), &stopping), 0);
+    EXPECT_EQ(ZEL_Initialize(first.svrroot.c_str(), &passing), 0);
+    EXPECT_EQ(ZEL_Initialize(second.svrroot.c_str(), &stopping), 0);
     EXPECT_EQ(ZEL_Initialize(nullptr, nullptr), 0);
     EXPECT_EQ(g_zelconf.pass_8bit, 7);
     EXPECT_STREQ(check_l10n_dir("de"), "de");
@@ -56,9 +52,9 @@ TEST(Lifecycle, a_status_that_is_there_before_the_start_keeps_the_library_from_s
 
 TEST(L10nDirectories, are_the_directories_beside_the_server_in_their_own_spelling) {
     const server_tree tree({"de", "ja_JP"});
-    std::ofstream(tree.html() + "fr") << "a file";
+    std::ofstream(tree.html + "fr") << "a file";
     EXPECT_EQ(check_l10n_dir("de"), nullptr);
-    init_Dirs(tree.svrroot().c_str());
+    init_Dirs(tree.svrroot.c_str());
     EXPECT_STREQ(check_l10n_dir("JA_jp"), "ja_JP");
     EXPECT_STREQ(check_l10n_dir("de"), "de");
     for (const char *name : {"fr", "d", "..", "", static_cast<const char *>(nullptr)})
@@ -68,17 +64,17 @@ TEST(L10nDirectories, are_the_directories_beside_the_server_in_their_own_spellin
 TEST(L10nDirectories, are_left_out_where_there_is_no_room_for_them_or_a_hundred_are_there) {
     const server_tree tree({"de", "deu"});
     const std::size_t room = 1023 - std::string("/../lib/html/de").size();
-    init_Dirs(lengthened(tree.svrroot(), room).c_str());
+    init_Dirs(lengthened(tree.svrroot, room).c_str());
     EXPECT_STREQ(check_l10n_dir("de"), "de");
     EXPECT_EQ(check_l10n_dir("deu"), nullptr);
-    for (const std::string &root : {lengthened(tree.svrroot(), 3000), std::string()}) {
+    for (const std::string &root : {lengthened(tree.svrroot, 3000), std::string()}) {
         free_Dirs();
         init_Dirs(root.empty() ? nullptr : root.c_str());
         EXPECT_EQ(check_l10n_dir("de"), nullptr);
     }
     for (int number = 100; number < 203; ++number)
-        std::filesystem::create_directories(tree.html() + std::to_string(number));
-    init_Dirs(tree.svrroot().c_str());
+        std::filesystem::create_directories(tree.html + std::to_string(number));
+    init_Dirs(tree.svrroot.c_str());
     int found = !!check_l10n_dir("de") + !!check_l10n_dir("deu");
     for (int number = 100; number < 203; ++number)
         found += check_l10n_dir(std::to_string(number).c_str()) != nullptr;

@@ -103,9 +103,9 @@ TEST(RFC2231, the_size_is_the_formula_where_that_is_enough_and_else_the_need) {
     EXPECT_EQ(encoder_of("en", "UTF-8", "text")(nullptr, -1), 3 * 4 + 8 + 40);
     EXPECT_EQ(decoder_of("utf-8''text", "UTF-8")(nullptr, -1), 2 * 11);
     for (std::size_t length = 1; length < 70; ++length) { // long names leave no room for the value
-        const std::string name(length, 'n');
-        const std::string parameter = in_two_calls(encoder_of("fr", "UTF-8", repeated("é", 500), name));
-        EXPECT_EQ(std::count(parameter.begin(), parameter.end(), '%'), 500) << parameter;
+        const std::string lines =
+            in_two_calls(encoder_of("fr", "UTF-8", repeated("é", 500), std::string(length, 'n')));
+        EXPECT_EQ(std::count(lines.begin(), lines.end(), '%'), 500) << lines;
     }
     EXPECT_EQ(in_two_calls(encoder_of("ru", "UTF-8", "Ж")), "\tfilename*0*=iso-8859-5'ru'%B6");
     EXPECT_EQ(in_two_calls(decoder_of("tis-620''" + repeated("\xA1", 1000), "UTF-8")), repeated("ก", 1000));
