@@ -43,6 +43,15 @@ std::string by_library(const char *from, const char *to, const std::string &text
     return std::string(result.data(), static_cast<std::size_t>(length));
 }
 
+// From and to the same buffer.
+std::string in_place(const char *from, const char *to, const std::string &text, std::int32_t room) {
+    const block both(static_cast<std::size_t>(room));
+    std::copy(text.begin(), text.end(), both.data());
+    const std::int32_t length =
+        ZEL_ConvertBuffer(from, to, both.data(), static_cast<std::int32_t>(text.size()), both.data(), room);
+    return std::string(both.data(), static_cast<std::size_t>(length));
+}
+
 void earn_table(const char *from, const char *to) {
     static std::set<std::pair<const char *, const char *>> earned;
     for (int i = earned.emplace(from, to).second ? 2 : 0; i > 0; --i)
@@ -68,5 +77,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
         require(by_rule || result == by_icu(from, to, bytes, room),
                 "what ICU does not do itself comes out as if it had");
     }
+    const std::int32_t ample = 2 * need + 64 + static_cast<std::int32_t>(bytes.size());
+    require(in_place(from, to, bytes, ample) == by_library(from, to, bytes, ample), "a buffer may be both");
     return 0;
 }

@@ -58,6 +58,7 @@ TEST(BodyDecoding, two_small_letters_open_the_direct_routes_whose_results_are_re
         for (const char *closed : {"JA", "KO", "ZH", "en", static_cast<const char *>(nullptr)})
             EXPECT_FALSE(decoded({closed, from.from_charset, from.bytes, from.to_charset}).ends_with("?"));
     }
+    EXPECT_EQ(decoded({"ja", "iso-2022-jp", "\x0E~", "Shift_JIS"}), "?"); // no kana, and no lead byte
 }
 
 TEST(BodyDecoding, zero_bytes_are_kept_by_copies_and_conversions) {

@@ -76,15 +76,6 @@ void expect_at_every_size(const conversion &row) {
     });
 }
 
-void expect_in_place(const conversion &row) {
-    const std::string result = row.out.value_or(row.in);
-    const exact_buffer both(row.in.size() + result.size() + 1);
-    std::copy(row.in.begin(), row.in.end(), both.data());
-    ZEL_ConvertBuffer(row.from_charset, row.to_charset, both.data(), static_cast<std::int32_t>(row.in.size()),
-                      both.data(), both.length());
-    EXPECT_EQ(both.bytes().substr(0, result.size() + 1), result + '\0');
-}
-
 TEST(Buffers, are_converted_where_the_result_fits_and_else_copied) {
     const conversion rows[] = {
         {"iso-8859-1", "utf-8", "caf\xE9\0z"s, "caf\xC3\xA9\0z"s},
@@ -107,7 +98,6 @@ TEST(Buffers, are_converted_where_the_result_fits_and_else_copied) {
     for (const conversion &row : rows) {
         SCOPED_TRACE(testing::PrintToString(row.in) + " from " + row.from_charset + " to " + row.to_charset);
         expect_at_every_size(row);
-        expect_in_place(row);
     }
     const exact_buffer from = exact_string("\xB0\xEA\xB0"), to(4); // a text may end at its terminator
     EXPECT_EQ(ZEL_ConvertBuffer("BIG5", "gb2312", from.data(), -1, to.data(), 3), 2);

@@ -34,7 +34,7 @@ TEST(TimeZones, offsets_have_no_sign_no_daylight_saving_and_hours_modulo_twelve)
     } rows[] = {{"America/New_York", 5, 0}, {"Asia/Kolkata", 5, 30},      {"America/St_Johns", 3, 30},
                 {"Pacific/Auckland", 0, 0}, {"Pacific/Kiritimati", 2, 0}, {"UTC", 0, 0}};
     int32_t hours = -1, minutes = -2;
-    for (const char *zone : {"est", "EST5EDT", "PST8PDT", "GMT+5", "mdt", "UT", "ut", "No/Such", ""})
+    for (const char *zone : {"est", "EST5EDT", "PST8PDT", "gmt+5", "mdt", "UT", "ut", "No/Such", ""})
         EXPECT_EQ(ZEL_TimeZoneToOffset(zone, 0, &hours, &minutes), 0) << zone;
     EXPECT_EQ(std::pair(hours, minutes), std::pair(-1, -2));
     for (const auto &row : rows) {

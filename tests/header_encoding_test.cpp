@@ -126,8 +126,8 @@ TEST(HeaderEncoding, plain_text_is_folded_behind_column_60_at_a_blank_which_is_r
 TEST(HeaderEncoding, the_size_is_the_formula_where_that_is_enough_and_else_the_need) {
     start_library();
     EXPECT_EQ(encoder_of("de", "UTF-8", std::string(500, 'x') + "é")(nullptr, -1), 4 * (502 + 1) + 11 + 8);
-    const std::string word = "=?iso-8859-7?Q?" + repeated("=E1", 20) + "?=\r\n";
-    EXPECT_EQ(encoded("el", "iso-8859-7", repeated("\xE1", 5000)), repeated(word + "\t", 249) + word);
+    const std::string word = "=?iso-8859-15?Q?" + repeated("=E9", 20) + "?=\r\n";
+    EXPECT_EQ(encoded("fr", "iso-8859-15", repeated("\xE9", 5000)), repeated(word + "\t", 249) + word);
     EXPECT_EQ(encoded("yi", "UTF-16BE", repeated("\x8A\x9E", 6) + "\x8A"),
               "=?utf-8?Q?" + repeated("=E8=AA=9E", 6) + "=EF=BF?=\r\n\t=?utf-8?Q?=BD?=");
 }

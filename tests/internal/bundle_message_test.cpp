@@ -7,8 +7,6 @@
 #include "zel/policy/bundle_message.h"
 
 #include <bit>
-#include <fstream>
-#include <iterator>
 
 static const char *service_text = nullptr;
 
@@ -18,11 +16,6 @@ extern "C" const char *service_errstr(int32_t) {
 }
 
 namespace {
-
-std::string bytes_of_bundle(const std::string &root) {
-    std::ifstream file(root + "/encbylang/en.res", std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 std::string message(UResourceBundle *bundle, const char *key) {
     return taken(resourceBundleGetUTF8Message(bundle, key));
@@ -87,11 +80,11 @@ TEST(BundleCompiler, writes_the_byte_order_that_is_named) {
     for (const bool is_big : {true, false}) {
         const scratch_directory files;
         ASSERT_EQ(compile_bundle(source, files.path(), is_big ? "--big-endian" : "--little-endian"), "");
-        const std::string bytes = bytes_of_bundle(files.path());
+        const std::string bytes = read_file(files.path() + "/encbylang/en.res");
         EXPECT_EQ(bytes.at(8), is_big);
         EXPECT_EQ(bytes.substr(2, 2), "\xDA\x27");
         EXPECT_NE(bytes.find(std::string("mail|ja\0", 8)), std::string::npos);
-        EXPECT_EQ(bytes == bytes_of_bundle(usual.root()),
+        EXPECT_EQ(bytes == read_file(usual.root() + "/encbylang/en.res"),
                   is_big == (std::endian::native == std::endian::big));
     }
 }

@@ -4,13 +4,11 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <memory>
+#include <iterator>
 #include <string>
-
-#include <stdlib.h>
 
 class scratch_directory {
 public:
@@ -36,17 +34,18 @@ inline std::string lengthened(std::string path, std::size_t size) {
     return path;
 }
 
+inline std::string read_file(const std::string &path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
 // Gives what the compiler has to say: nothing when it went well.
 inline std::string compile_bundle(const std::string &source, const std::string &root,
                                   const std::string &option = "") {
     std::ofstream(root + "/source.txt") << source;
-    const std::string command =
-        BUNDLE_COMPILER " " + option + " '" + root + "/source.txt' '" + root + "' 2>&1";
-    const std::unique_ptr<FILE, int (*)(FILE *)> pipe(popen(command.c_str(), "r"), pclose);
-    std::string messages;
-    for (int byte; pipe && (byte = std::fgetc(pipe.get())) != EOF;)
-        messages += static_cast<char>(byte);
-    return messages;
+    const std::string command = BUNDLE_COMPILER " " + option + " '" + root + "/source.txt' '" + root + "'";
+    EXPECT_NE(std::system((command + " >'" + root + "/messages' 2>&1").c_str()), -1);
+    return read_file(root + "/messages");
 }
 
 // A bundle root for a source that is right.
