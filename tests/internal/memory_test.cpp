@@ -143,8 +143,8 @@ TEST(Memory, that_runs_out_inside_ICU_as_well_leaves_a_conversion_with_no_more_a
         [](const void *, void *block) { std::free(block); }, &status);
     ASSERT_TRUE(U_SUCCESS(status));
     start_library();
-    ASSERT_TRUE(
-        ZEL_EncodingConverterExists("us-ascii", "utf-8")); // what ICU sets up once it does not try again
+    // What ICU sets up once it does not try again.
+    ASSERT_TRUE(ZEL_EncodingConverterExists("us-ascii", "utf-8"));
     expect_stated_results(conversions);
 }
 

@@ -59,7 +59,7 @@ TEST(NameIndex, gives_readers_whole_records_while_another_thread_adds_some) {
             while (find_number(index, hash_of(value), value) != &records[static_cast<std::size_t>(value)])
                 std::this_thread::yield();
     });
-    for (int value = 0; number & record : records) {
+    for (int value = 0; auto &record : records) {
         record.value = value;
         record.place.hash = hash_of(value++);
         add_to_index(index, record);
