@@ -31,7 +31,7 @@ class exact_buffer {
 public:
     explicit exact_buffer(std::size_t size) // full of canaries
         : size_(size), block_(new char[size ? size : 1]), data_(block_.get() + (size ? 0 : 1)) {
-        std::fill_n(data_, size_, canary);
+        std::fill_n(block_.get(), size ? size : 1, canary);
     }
     explicit exact_buffer(std::string_view bytes) : exact_buffer(bytes.size()) {
         std::copy(bytes.begin(), bytes.end(), data_);
