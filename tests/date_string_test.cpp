@@ -24,7 +24,9 @@ void answer(const char *zone, int32_t time, int32_t *hours, int32_t *minutes, ch
 }
 
 std::string date_in(const char *locale, const char *zone, const char *charset = nullptr) {
-    return taken(ZEL_GenerateDateString(locale, zone, moment, charset));
+    std::string date = taken(ZEL_GenerateDateString(locale, zone, moment, charset));
+    const bool has_offset = date.size() > 5 && date.compare(date.size() - 5, 5, "GMT+0") == 0;
+    return has_offset ? date.substr(0, date.size() - 2) : date; // ICU 78 writes GMT+0 where others write GMT
 }
 
 TEST(TimeZones, offsets_have_no_sign_no_daylight_saving_and_hours_modulo_twelve) {

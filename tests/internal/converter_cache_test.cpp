@@ -1,12 +1,13 @@
 // The cache of converter pairs: which record it lends, and how its lists grow.
 
-#include "rendezvous.h"
 #include "support.h"
 
 #include "zel/conversion/converter_cache.h"
 
 #include <thread>
 #include <vector>
+
+#include <pthread.h>
 
 namespace {
 
@@ -83,20 +84,21 @@ TEST(ConverterCache, leaves_a_lent_record_to_its_borrower_when_the_library_stops
 constexpr const char *charsets[] = {"koi8-r", "Shift_JIS", "euc-kr", "big5"};
 
 // At each step all threads borrow the same pair at once, and before it two each another.
-void borrow_in_step(std::size_t worker, rendezvous &all) {
+void borrow_in_step(std::size_t worker, pthread_barrier_t &all) {
     for (std::size_t step = 0; step < 60; ++step) {
-        all.arrive_and_wait();
+        pthread_barrier_wait(&all);
         EXPECT_TRUE(borrow_converter("utf-8", charsets[(worker + step) % std::size(charsets)]));
         const lent_converter lent = borrow_converter(charsets[step % std::size(charsets)], "utf-8");
         EXPECT_EQ(lent->in_use, 1);
-        all.arrive_and_wait();
+        pthread_barrier_wait(&all);
     }
 }
 
 TEST(ConverterCache, has_eight_records_of_a_pair_for_eight_threads_and_goes_back_to_the_first) {
     start_library();
     const EncodingConverter *head = list_head();
-    rendezvous all(8);
+    pthread_barrier_t all; // std::barrier is not in every standard library that the tests are built with
+    pthread_barrier_init(&all, nullptr, 8);
     {
         std::vector<std::jthread> threads;
         for (std::size_t worker = 0; worker < 8; ++worker)
