@@ -192,37 +192,6 @@ TEST(DirectConverters, a_text_that_does_not_grow_is_converted_in_place) {
     }
 }
 
-// What comes out is undefined, but the address sanitizer sees what lies outside of the two.
-TEST(DirectConverters, stay_within_a_text_and_a_buffer_that_overlap) {
-    for (const script &of : scripts)
-        for (std::size_t apart = 0; apart <= 8; ++apart)
-            for (const bool text_first : {true, false}) {
-                const std::string text = of.odd + runs_of(of, 3, 4) + of.odd;
-                const std::size_t size = 5 * text.size() + 4;
-                const exact_buffer both(size + apart);
-                char *const from = both.data() + (text_first ? 0 : apart);
-                std::copy(text.begin(), text.end(), from);
-                const std::int32_t length =
-                    of.convert(from, static_cast<std::int32_t>(text.size()),
-                               both.data() + (text_first ? apart : 0), static_cast<std::int32_t>(size));
-                EXPECT_TRUE(length >= 0 && length < static_cast<std::int32_t>(size));
-            }
-}
-
-TEST(DirectConverters, a_long_text_fills_a_buffer_of_any_size) {
-    for (const script &of : scripts) {
-        std::string text;
-        for (std::size_t part = 0; part < 12; ++part)
-            text += runs_of(of, 3 * part, part) + " ";
-        const std::string whole = converted(of.convert, text);
-        for (std::size_t size = 1; size <= whole.size() + 1; ++size) {
-            const std::string part = converted(of.convert, text, static_cast<std::int32_t>(size));
-            ASSERT_EQ(part, whole.substr(0, part.size()));
-            ASSERT_GE(part.size() + 3, std::min(size, whole.size() + 3)); // a unit has three bytes at most
-        }
-    }
-}
-
 // The same from a block that ends with the text and from one in which a NUL and more text follow.
 void expect_end_is_kept(converter convert, const std::string &in) {
     const exact_buffer from(in + std::string("\0\xA1!", 3)), to(ample);
