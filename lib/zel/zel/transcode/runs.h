@@ -44,7 +44,8 @@ struct jis_writer {
     }
 };
 
-// The most that a step stores: both runs, of which pairs may become three bytes, and two shifts.
+// The most that a step stores: both runs, of which pairs may become three bytes, and two shifts. Where it
+// takes several short runs, they come from 64 bytes, and a block is stored behind at most 96.
 inline constexpr std::size_t step_writes = block_size + 3 * block_size / 2 + 2 * longest_shift + vector_size;
 
 // A run that begins with the last byte of a chunk is read by a block.
