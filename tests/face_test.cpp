@@ -41,8 +41,6 @@ TEST_F(Face, hides_sizes_copies_and_terminators) {
         {zel::encode_vcard("ja", "日"), "=93=FA"},
         {zel::encode_base64(std::string(60, 'a')).substr(64), "YWFh\r\nYWFhYWFhYWFh"},
         {zel::date("ja", "Asia/Tokyo", 1719450900), "2024年6月27日木曜日 10:15:00 JST"},
-        {zel::convert(zel::date("de", "Europe/Vienna", 1719450900, "utf-16"), "utf-16", "utf-8"),
-         "Donnerstag, 27. Juni 2024 um 03:15:00 MESZ"},
         {zel::repaired("euc-kr", "a\xB0"), "a?"},
         {zel::normalized_locale("de-DE"), "de_DE"},
         {zel::mail_charset("ja") + zel::web_charset("ja") + zel::mail_charset("ja", "a"),

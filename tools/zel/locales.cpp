@@ -43,9 +43,10 @@ std::string sort_key(const given_text &given, const std::string &locale, const s
 
 void write_dates(const std::string &locale, const std::string &zone, const std::string &to_charset,
                  const std::vector<std::int32_t> &times) {
+    line_output output(to_charset);
     for (const std::int32_t time : times)
         attempt(std::to_string(time),
-                [&] { write_out(zel::convert(zel::date(locale, zone, time) + '\n', "UTF-8", to_charset)); });
+                [&] { output.put(std::to_string(time), zel::date(locale, zone, time)); });
 }
 
 void sort_lines(const std::string &locale, const std::string &charset, bool headers) {

@@ -400,17 +400,18 @@ inline std::string encode_vcard(std::string_view language, std::string_view text
  */
 
 /**
- * A moment as a reader of the locale would write it; an empty locale or zone is the default of zel.h. Any
- * charset will do, those with NUL bytes too; one but "UTF-8" needs the library to be started.
+ * A moment as a reader of the locale would write it; an empty locale or zone is the default of zel.h. In a
+ * charset whose characters have NUL bytes (UTF-16, UTF-32) it ends at the first of them: such a date is
+ * written in UTF-8 and handed to convert().
  */
 inline std::string date(std::string_view locale, std::string_view zone, std::time_t time,
                         std::string_view charset = "UTF-8") {
-    const std::string place = detail::terminated(locale), zone_name = detail::terminated(zone);
+    const std::string place = detail::terminated(locale), zone_name = detail::terminated(zone),
+                      to = detail::terminated(charset);
     if (time < std::numeric_limits<std::int32_t>::min() || time > std::numeric_limits<std::int32_t>::max())
         throw error("a time that 32 bits do not hold");
-    const std::string written = detail::taken(ZEL_GenerateDateString(
-        detail::or_null(place), detail::or_null(zone_name), static_cast<std::int32_t>(time), "UTF-8"));
-    return charset == "UTF-8" ? written : convert(written, "UTF-8", charset);
+    return detail::taken(ZEL_GenerateDateString(detail::or_null(place), detail::or_null(zone_name),
+                                                static_cast<std::int32_t>(time), to.c_str()));
 }
 
 /** Below 0, 0 or above 0, as the first text sorts before, with or behind the second in the locale. */
