@@ -18,8 +18,8 @@ void run(const std::string &bytes) {
     LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t *>(data.data()), bytes.size());
 }
 
-// Strikes a byte, takes a piece out, or puts a piece of it elsewhere, and that one to four times. The first
-// bytes choose languages and charsets, so every other one strikes there.
+// One to four times replaces a byte, takes a piece out, or puts a copy of one elsewhere. The first bytes
+// choose languages and charsets, so a change in four is made there.
 std::string mutated(std::string bytes, std::mt19937 &random) {
     for (auto times = 1 + random() % 4; times > 0; --times) {
         const std::size_t at = random() % (bytes.size() + 1), length = 1 + random() % 16;
@@ -44,12 +44,11 @@ std::string mutated(std::string bytes, std::mt19937 &random) {
 void replay(const std::filesystem::path &path) {
     std::ifstream file(path, std::ios::binary);
     const std::string bytes{std::istreambuf_iterator<char>(file), {}};
-    run(bytes);
     std::mt19937 random;
-    for (int number = 1; number <= mutations; ++number) {
-        std::printf("%s, mutation %d\n", path.c_str(), number);
-        std::fflush(stdout); // the last line tells which input failed
-        run(mutated(bytes, random));
+    for (int number = 0; number <= mutations; ++number) {
+        std::printf("%s, mutation %d\n", path.c_str(), number); // 0: as it stands
+        std::fflush(stdout);                                    // the last line tells which input failed
+        run(number == 0 ? bytes : mutated(bytes, random));
     }
     ++replayed;
 }
