@@ -121,8 +121,8 @@ lent_converter borrow_for(const charset_pair &pair, std::string_view text) {
 }
 
 // Nothing where ICU has no converter for the pair.
-std::optional<std::int32_t> convert_by_icu(const charset_pair &pair, std::string_view text, char *to_buf,
-                                           std::int32_t to_size) {
+std::optional<std::int32_t> borrow_and_convert(const charset_pair &pair, std::string_view text, char *to_buf,
+                                               std::int32_t to_size) {
     const lent_converter converter = borrow_for(pair, text);
     if (!converter)
         return std::nullopt;
@@ -138,14 +138,7 @@ bool is_last_pair(const char *from_charset, const char *to_charset) {
            std::strcmp(last_pair->to_name.get(), to_charset) == 0;
 }
 
-} // namespace
-
-charset_pair look_up(const char *from_charset, const char *to_charset) {
-    require_started();
-    if (passes_through())
-        return {from_charset, to_charset, true, nullptr, nullptr};
-    if (is_last_pair(from_charset, to_charset))
-        return {from_charset, to_charset, false, nullptr, last_pair};
+charset_pair look_up_anew(const char *from_charset, const char *to_charset) {
     if (same_name(from_charset, to_charset))
         return {from_charset, to_charset, true, nullptr, nullptr};
     if (const route *direct = find_route(scope::buffers, from_charset, to_charset))
@@ -154,6 +147,17 @@ charset_pair look_up(const char *from_charset, const char *to_charset) {
     if (found)
         last_pair = found;
     return {from_charset, to_charset, false, nullptr, found};
+}
+
+} // namespace
+
+charset_pair look_up(const char *from_charset, const char *to_charset) {
+    require_started();
+    if (passes_through())
+        return {from_charset, to_charset, true, nullptr, nullptr};
+    if (is_last_pair(from_charset, to_charset))
+        return {from_charset, to_charset, false, nullptr, last_pair};
+    return look_up_anew(from_charset, to_charset);
 }
 
 bool has_converter(const charset_pair &pair) {
@@ -189,7 +193,7 @@ std::optional<std::int32_t> convert_buffer(const charset_pair &pair, std::string
     }
     if (const auto length = convert_fast(pair.cached, text, to_buf, to_size))
         return length;
-    return convert_by_icu(pair, text, to_buf, to_size);
+    return borrow_and_convert(pair, text, to_buf, to_size);
 }
 
 std::int32_t convert_or_copy(const charset_pair &pair, std::string_view text, char *to_buf,
@@ -263,14 +267,15 @@ int32_t ZEL_ConvertBuffer(const char *from_charset, const char *to_charset, cons
     if (from_len == 0)
         return copy({}, to_buf, to_size);
     const std::string_view text = resolve(from_buf, from_len);
+    if (passes_through())
+        return copy(text, to_buf, to_size);
+    if (!is_last_pair(from_charset, to_charset))
+        return convert_buffer(look_up_anew(from_charset, to_charset), text, to_buf, to_size).value_or(0);
     // The commonest call goes without a charset_pair: to fill one takes a twentieth of the time of a line.
-    if (!passes_through() && is_last_pair(from_charset, to_charset)) {
-        if (const auto length = convert_fast(last_pair, text, to_buf, to_size))
-            return *length;
-        const charset_pair pair = {from_charset, to_charset, false, nullptr, last_pair};
-        return convert_by_icu(pair, text, to_buf, to_size).value_or(0);
-    }
-    return convert_buffer(look_up(from_charset, to_charset), text, to_buf, to_size).value_or(0);
+    if (const auto length = convert_fast(last_pair, text, to_buf, to_size))
+        return *length;
+    const charset_pair pair = {from_charset, to_charset, false, nullptr, last_pair};
+    return borrow_and_convert(pair, text, to_buf, to_size).value_or(0);
 }
 
 namespace {
