@@ -19,7 +19,7 @@ inline bitmask64 zeros_of(const unsigned char *block) {
     return places_of(0, load_block(block));
 }
 
-// For characters of one byte each in the charset, or of two bytes mostly.
+// SingleByte: each character has one byte in the charset. Else most have two.
 template <bool SingleByte, instructions Set>
 struct code_look_up {
     const code_table *table;
@@ -58,7 +58,8 @@ struct code_look_up {
         return lacking >> 31 == 0;
     }
 
-    // Stores all codes; gives the bytes that are kept, or none where a character is not decided.
+    // Stores all codes in a block; gives the bytes that are kept, or none where a character is not decided.
+    // The last byte of a block begins no character, as whole_characters() has it.
     bitmask64 store_all(unsigned char *looked_up, const block64 &block, const utf8_block &shape,
                         bitmask64 bytes) const {
         const bitmask64 leads = lead_bytes(shape) & bytes;

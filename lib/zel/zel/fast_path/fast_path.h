@@ -19,7 +19,7 @@ namespace zel {
 struct fast_path {
     ascii_identity kept;
     shared_table<code_table> *characters; // null where neither is UTF-8, or no table can serve the other
-    transcoder by_characters;             // for the way between the two that the pair goes
+    transcoder by_characters;             // from UTF-8 or to it, as the pair goes
     shared_table<byte_table> *bytes;      // null unless both are of single bytes and keep all of ASCII
 };
 

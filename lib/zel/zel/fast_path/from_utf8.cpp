@@ -37,7 +37,7 @@ struct from_utf8 {
         if (!is_well_formed(shape)) [[unlikely]]
             return status::declined;
         const std::size_t length = whole_characters(shape, left(at));
-        unsigned char looked_up[block_size + 1];
+        unsigned char looked_up[block_size];
         const bitmask64 kept =
             code_look_up<SingleByte, Set>{table}.store_all(looked_up, block, shape, first_bits(length));
         if (!kept) [[unlikely]]

@@ -94,9 +94,9 @@ struct utf8_to_jis {
 
     static constexpr auto policy = when_full::give_up;
     static constexpr auto set = Set;
-    static constexpr std::size_t reads = runs_read;
+    static constexpr std::size_t reads = block_size;
     // The most comes of characters of two bytes and letters in turn, with an escape sequence in front of
-    // each.
+    // each; a block is stored behind it.
     static constexpr std::size_t writes = (block_size / 3 + 1) * (3 + 2 * longest_shift) + block_size;
 
     // Copies what the characters between two edges of runs have become, and puts an escape sequence at each
@@ -125,11 +125,11 @@ struct utf8_to_jis {
         }
         const std::size_t length = whole_characters(shape, left(at));
         const bitmask64 bytes = first_bits(length);
-        unsigned char looked_up[block_size + 1];
+        unsigned char looked_up[block_size];
         const bitmask64 kept = code_look_up<false, Set>{table}.store_all(looked_up, block, shape, bytes);
         if (!kept) [[unlikely]]
             return status::declined;
-        unsigned char squeezed[2 * block_size + squeeze_slack] = {};
+        unsigned char squeezed[2 * block_size] = {}; // no byte of the stack goes behind the result
         squeeze_block<Set>(squeezed, looked_up, kept);
         const bitmask64 behind_kanji = shape.high << 1 | bitmask64{writer.in_kanji};
         put_runs(at, squeezed, kept, (shape.high ^ behind_kanji) & bytes);

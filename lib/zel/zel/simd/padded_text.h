@@ -86,7 +86,7 @@ inline vector_bytes load_last_vector(const unsigned char *from, std::size_t leng
 }
 
 #ifdef __x86_64__
-// From each place of it on, so many bytes less of a vector are left; 0x80 stands for none.
+// The shuffle that begins at place n moves a vector down by n bytes; 0x80 gives a zero.
 inline constexpr auto shuffles_to_front = [] {
     std::array<unsigned char, 2 *vector_size> places = {};
     for (std::size_t at = 0; at < places.size(); ++at)

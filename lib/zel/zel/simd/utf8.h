@@ -28,7 +28,8 @@ constexpr unsigned code_point_of_three(const unsigned char *from) {
 }
 
 struct utf8_block {
-    bitmask64 high, two_byte, three_byte, continuation; // two_byte: the first bytes of such characters
+    bitmask64 high, continuation;
+    bitmask64 two_byte, three_byte; // the first bytes of such characters, overlong forms among them
 };
 
 template <instructions>
@@ -36,8 +37,8 @@ inline utf8_block utf8_shape(const block64 &block) {
     const auto between = [&](unsigned char first, unsigned char last) {
         return mask_of(block, [=](vector_bytes bytes) { return are_between(bytes, first, last); });
     };
-    return {mask_of(block, are_high), between(0xC0, 0xDF), between(0xE0, 0xEF),
-            mask_of(block, are_continuations)};
+    return {mask_of(block, are_high), mask_of(block, are_continuations), between(0xC0, 0xDF),
+            between(0xE0, 0xEF)};
 }
 
 constexpr bitmask64 lead_bytes(const utf8_block &shape) {
@@ -122,7 +123,8 @@ ZEL_AVX2 inline bitmask64 mask_of(__m256i low, __m256i high) {
            bitmask64{static_cast<std::uint32_t>(_mm256_movemask_epi8(high))} << block_size / 2;
 }
 
-// The highest bits of all bytes; what is shifted in from the byte below goes to the other end of a byte.
+// A bit of all bytes: it is moved to the highest place of its byte. What comes in from the byte below stays
+// beneath it.
 template <int Place>
 ZEL_AVX2 inline bitmask64 bit_of(__m256i low, __m256i high) {
     return mask_of(_mm256_slli_epi16(low, 7 - Place), _mm256_slli_epi16(high, 7 - Place));
@@ -135,7 +137,7 @@ ZEL_AVX2 inline utf8_block utf8_shape<instructions::avx2>(const block64 &block) 
     const bitmask64 bit7 = mask_of(low, high), bit6 = bit_of<6>(low, high);
     const bitmask64 bit5 = bit_of<5>(low, high), bit4 = bit_of<4>(low, high);
     const bitmask64 leads = bit7 & bit6;
-    return {bit7, leads & ~bit5, leads & bit5 & ~bit4, bit7 & ~bit6};
+    return {bit7, bit7 & ~bit6, leads & ~bit5, leads & bit5 & ~bit4};
 }
 
 // Gives the overlong forms.

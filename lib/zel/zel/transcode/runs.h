@@ -2,7 +2,7 @@
 // 7-bit charsets have in common. It goes chunk by chunk; two bitmaps of a chunk tell where its runs end, and
 // are found before the first run is taken, so that no run waits for the end of the one before it. A step
 // takes the run of single bytes that stands next and the run of pairs behind it, either of which may be
-// empty:
+// empty, or several such runs where they are short:
 //
 //     text     a b c [ESC $ B] L T L T L T [ESC ( B] d
 //              '-----'         '---------'
@@ -44,9 +44,11 @@ struct jis_writer {
     }
 };
 
-// The most that a step stores: both runs, of which pairs may become three bytes, and two shifts. Where it
-// takes several short runs, they come from 64 bytes, and a block is stored behind at most 96.
+// The most that a step stores: both runs, of which pairs may become three bytes, and two shifts.
 inline constexpr std::size_t step_writes = block_size + 3 * block_size / 2 + 2 * longest_shift + vector_size;
+
+// Short runs come from 64 bytes, and behind what all but the last have become a block is stored.
+static_assert(3 * block_size / 2 + block_size <= step_writes);
 
 // A run that begins with the last byte of a chunk is read by a block.
 inline constexpr std::size_t runs_read = 2 * block_size;
@@ -142,10 +144,10 @@ void take_led_runs(Text &text, const chunk &of, std::size_t place, cursors &at) 
 //   opening, closing             the lengths of the shifts in front of pairs and behind them
 //   opens_pairs, closes_pairs    whether such a shift stands at a place
 //   put_pairs(at, bytes)         changes a run of pairs; false where it cannot
-//
-// Shifts end runs of single bytes. So the bits of those lead from shift to shift within the next 64 bytes,
-// and no run waits for the one before it to be looked through. This stops in front of what is not that
-// simple.
+
+// The runs whose shifts lie in the next 64 bytes. Shifts end runs of single bytes, so the bitmap of those
+// ends holds all shifts, and no run waits for the one before it to be looked through. Stops in front of a run
+// that is longer, or whose shift is missing or irregular.
 template <class Text>
 void take_short_shifted_runs(Text &text, const chunk &of, std::size_t place, cursors &at) {
     const unsigned char *const start = at.from;
@@ -168,6 +170,7 @@ void take_short_shifted_runs(Text &text, const chunk &of, std::size_t place, cur
     }
 }
 
+// A step.
 template <class Text>
 void take_shifted_runs(Text &text, const chunk &of, std::size_t place, cursors &at) {
     if (!text.in_pairs) {
