@@ -16,7 +16,9 @@ std::string encoded(std::string_view bytes) {
 
 std::string by_bits(const std::string &bytes) {
     const std::string_view alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-    const auto byte = [&](std::size_t at) { return at < bytes.size() ? bytes[at] & 0xFFU : 0; };
+    const auto byte = [&](std::size_t at) {
+        return at < bytes.size() ? static_cast<unsigned char>(bytes[at]) : 0U;
+    };
     std::string text;
     for (std::size_t bit = 0; bit < 8 * bytes.size(); bit += 6) {
         text += alphabet[(byte(bit / 8) << 8 | byte(bit / 8 + 1)) >> (10 - bit % 8) & 63];
