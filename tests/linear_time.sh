@@ -14,7 +14,7 @@ valgrind -q --tool=callgrind --dump-line=no --callgrind-out-file="$work/counts" 
 # An instruction for every second byte is let pass: libraries copy a long text otherwise than a short one.
 find "$work" -name 'counts.*' -exec cat {} + | awk -F '|' '
     /^desc: Trigger: Client Request: / { sub(/.*Request: /, ""); name = $1; pattern = $2; times = $3 }
-    /^summary: / && name != "" { sub(/summary: /, ""); cost[name "|" pattern, times] = $0; cases[name "|" pattern]; name = "" }
+    /^summary: / && name != "" { sub(/summary: /, ""); cost[name "|" pattern, times] = $0 + 0; cases[name "|" pattern]; name = "" }
     END {
         for (key in cases) {
             ++count
