@@ -138,6 +138,7 @@ bool is_last_pair(const char *from_charset, const char *to_charset) {
            std::strcmp(last_pair->to_name.get(), to_charset) == 0;
 }
 
+// Of a library that converts, and of names that are not those of the thread's last pair.
 charset_pair look_up_anew(const char *from_charset, const char *to_charset) {
     if (same_name(from_charset, to_charset))
         return {from_charset, to_charset, true, nullptr, nullptr};
